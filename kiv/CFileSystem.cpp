@@ -1,0 +1,31 @@
+#include "CFileSystem.h"
+
+#include "Path.h"
+
+#include <QDir>
+#include <QString>
+
+namespace kiv {
+
+IFileSystem::CDirectoryListing CFileSystem::listDirectory(
+    const CStringW& folder, const CStringW& pattern)
+{
+    CDirectoryListing listing;
+    const QDir dir(QString::fromStdWString(folder.c_str()));
+    const QFileInfoList files
+        = dir.entryInfoList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
+    for (const QFileInfo& file : files) {
+        const CStringW name(file.fileName().toStdWString().c_str());
+        if (path::WildcardMatch(pattern, name))
+            listing.add({name, CStringW(file.absoluteFilePath().toStdWString().c_str())});
+    }
+    return listing;
+}
+
+CFileSystem* fileSystem()
+{
+    static CFileSystem instance;
+    return &instance;
+}
+
+} // namespace kiv

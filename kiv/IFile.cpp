@@ -1,0 +1,7 @@
+#include "IFile.h"
+
+namespace kiv {
+
+IFile::~IFile() = default;
+
+} // namespace kiv

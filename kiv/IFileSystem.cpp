@@ -1,0 +1,7 @@
+#include "IFileSystem.h"
+
+namespace kiv {
+
+IFileSystem::~IFileSystem() = default;
+
+} // namespace kiv
