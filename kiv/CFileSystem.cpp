@@ -11,9 +11,12 @@ IFileSystem::CDirectoryListing CFileSystem::listDirectory(
     const CStringW& folder, const CStringW& pattern)
 {
     CDirectoryListing listing;
+    // An empty folder name would be the current folder to QDir; it names no folder here.
+    if (folder.empty())
+        return listing;
     const QDir dir(QString::fromStdWString(folder.c_str()));
-    const QFileInfoList files
-        = dir.entryInfoList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
+    const QFileInfoList files = dir.entryInfoList(
+        QDir::Files | QDir::Hidden | QDir::System, QDir::Name | QDir::IgnoreCase);
     for (const QFileInfo& file : files) {
         const CStringW name(file.fileName().toStdWString().c_str());
         if (path::WildcardMatch(pattern, name))

@@ -52,6 +52,8 @@ std::uint64_t CMemFile::Write(const void* data, std::uint64_t size)
     if (size > std::numeric_limits<std::uint64_t>::max() - m_position)
         ThrowBadAllocException();
     const std::uint64_t end = m_position + size;
+    // data may lie in the file's own bytes: the old storage goes only after they are copied.
+    unsigned char* replaced = nullptr;
     if (end > m_capacity) {
         const std::uint64_t capacity = std::max(end, m_capacity * 2);
         auto* grown = static_cast<unsigned char*>(Alloc(capacity));
@@ -60,7 +62,7 @@ std::uint64_t CMemFile::Write(const void* data, std::uint64_t size)
         if (m_size > 0)
             std::memcpy(grown, m_data, m_size);
         if (m_owned)
-            Free(m_data);
+            replaced = m_data;
         m_data = grown;
         m_capacity = capacity;
         m_owned = true;
@@ -68,7 +70,8 @@ std::uint64_t CMemFile::Write(const void* data, std::uint64_t size)
     // A position beyond the end leaves a gap, which reads as zeros.
     if (m_position > m_size)
         std::memset(m_data + m_size, 0, m_position - m_size);
-    std::memcpy(m_data + m_position, data, size);
+    std::memmove(m_data + m_position, data, size);
+    Free(replaced);
     m_position = end;
     m_size = std::max(m_size, end);
     return size;

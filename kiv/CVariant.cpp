@@ -105,6 +105,18 @@ bool equalsNoCase(std::string_view a, std::string_view b)
     return true;
 }
 
+// The number a variant of this type holds: a float keeps single precision, and a finite
+// number that would round to infinity as a float does not fit.
+std::optional<double> realOf(CVariant::EType type, double real)
+{
+    if (type != CVariant::TYPE_FLOAT)
+        return real;
+    // Half a unit in the last place above the largest float; from there on a float overflows.
+    if (std::isfinite(real) && std::fabs(real) >= 0x1.ffffffp127)
+        return std::nullopt;
+    return static_cast<double>(static_cast<float>(real));
+}
+
 } // namespace
 
 CVariant::CVariant(EType type) : m_type(type)
@@ -278,18 +290,24 @@ bool CVariant::Assign(const CVariant& value)
         m_value = value.m_value;
         return true;
     case TYPE_FLOAT:
-    case TYPE_DOUBLE:
+    case TYPE_DOUBLE: {
+        double real = 0;
         if (std::holds_alternative<double>(value.m_value))
-            m_value = std::get<double>(value.m_value);
+            real = std::get<double>(value.m_value);
         else if (std::holds_alternative<long long>(value.m_value))
-            m_value = static_cast<double>(std::get<long long>(value.m_value));
+            real = static_cast<double>(std::get<long long>(value.m_value));
         else if (std::holds_alternative<unsigned long long>(value.m_value))
-            m_value = static_cast<double>(std::get<unsigned long long>(value.m_value));
+            real = static_cast<double>(std::get<unsigned long long>(value.m_value));
         else if (std::holds_alternative<bool>(value.m_value))
-            m_value = std::get<bool>(value.m_value) ? 1.0 : 0.0;
+            real = std::get<bool>(value.m_value) ? 1.0 : 0.0;
         else
             return false;
+        const std::optional<double> stored = realOf(m_type, real);
+        if (!stored)
+            return false;
+        m_value = *stored;
         return true;
+    }
     default:
         break;
     }
@@ -373,7 +391,10 @@ bool CVariant::AssignText(const CString& text)
         if (digits.empty() || result.ec != std::errc()
             || result.ptr != digits.data() + digits.size())
             return false;
-        m_value = real;
+        const std::optional<double> stored = realOf(m_type, real);
+        if (!stored)
+            return false;
+        m_value = *stored;
         return true;
     }
     default:

@@ -17,7 +17,8 @@ public:
     virtual ~IFileSystem();
 
     // The files (not folders) directly in folder whose names match pattern (see
-    // path::WildcardMatch), sorted by name. A folder that cannot be read lists nothing.
+    // path::WildcardMatch), sorted by name regardless of letter case. An empty folder name, or a
+    // folder that cannot be read, lists nothing.
     virtual CDirectoryListing listDirectory(const CStringW& folder, const CStringW& pattern) = 0;
 };
 

@@ -21,13 +21,15 @@ template <typename T> class TArray {
 
 public:
     TArray() = default;
-    TArray(std::initializer_list<T> items)
+    // Delegating makes the array complete before the first element is added, so that a
+    // throwing element copy has the destructor clean up what was already added.
+    TArray(std::initializer_list<T> items) : TArray()
     {
         reserve(static_cast<int>(items.size()));
         for (const T& item : items)
             add(item);
     }
-    TArray(const TArray& other)
+    TArray(const TArray& other) : TArray()
     {
         reserve(other.m_count);
         for (const T& item : other)
@@ -82,13 +84,18 @@ public:
             T copy(item); // item may live in this array's storage
             return add(std::move(copy));
         }
-        return *new (m_items + m_count++) T(item);
+        // Counted only once constructed: a throwing copy leaves the array as it was.
+        T* added = new (m_items + m_count) T(item);
+        ++m_count;
+        return *added;
     }
     T& add(T&& item)
     {
         if (m_count == m_capacity)
             reserve(m_capacity < 4 ? 4 : grownCapacity());
-        return *new (m_items + m_count++) T(std::move(item));
+        T* added = new (m_items + m_count) T(std::move(item));
+        ++m_count;
+        return *added;
     }
 
     void removeAt(int index)

@@ -1,0 +1,8 @@
+// A loadable module for tst_platform that calls a function no library defines: loading it with
+// all symbols resolved at once must fail.
+extern "C" int kivTestFunctionNobodyDefines();
+
+extern "C" __attribute__((visibility("default"))) int kivTestUnresolved()
+{
+    return kivTestFunctionNobodyDefines();
+}
