@@ -1,0 +1,62 @@
+#include "CBackend.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace kiv::cam {
+
+namespace {
+
+struct SRegistration {
+    std::string name;
+    CBackendRegistration::Create create;
+};
+
+std::vector<SRegistration>& registrations()
+{
+    static std::vector<SRegistration> list;
+    return list;
+}
+
+} // namespace
+
+CBackendRegistration::CBackendRegistration(const char* name, Create create)
+{
+    registrations().push_back({name, create});
+}
+
+CBackend::~CBackend() = default;
+
+void CBackend::interfaces(TArray<TSharedPtr<IInterface>>&)
+{
+}
+
+void CBackend::cameraTypes(TArray<TSharedPtr<ICamera>>&)
+{
+}
+
+void CBackend::controllerNames(TArray<CString>&)
+{
+}
+
+TSharedPtr<IController> CBackend::createController(const CString&)
+{
+    return {};
+}
+
+const TArray<TSharedPtr<CBackend>>& CBackend::all()
+{
+    static const TArray<TSharedPtr<CBackend>> backends = [] {
+        std::vector<SRegistration> sorted = registrations();
+        std::sort(sorted.begin(), sorted.end(),
+            [](const SRegistration& a, const SRegistration& b) { return a.name < b.name; });
+        TArray<TSharedPtr<CBackend>> created;
+        for (const SRegistration& registration : sorted)
+            created.add(TSharedPtr<CBackend>(registration.create()));
+        return created;
+    }();
+    return backends;
+}
+
+} // namespace kiv::cam

@@ -1,0 +1,106 @@
+#include "CCameraFinder.h"
+
+#include "CCameras.h"
+#include "CControllerFactory.h"
+#include "InterfaceScan.h"
+
+#include <atomic>
+
+namespace kiv::cam {
+
+namespace {
+
+std::atomic<bool> emulatorsEnabled{false};
+
+bool controllerExists(const CString& name)
+{
+    TArray<CString> names;
+    controllerFactory()->getControllerNames(names);
+    return names.contains(name);
+}
+
+void refuse(SCameraInfo& camera, CString summary, CString message)
+{
+    camera.canConnect = false;
+    camera.errorSummary = std::move(summary);
+    camera.errorMessage = std::move(message);
+}
+
+// Tells, in the record, whether a found camera can be connected as it is: its transport's
+// verdict first, then its devices, its camera type and its controller.
+void judge(SCameraInfo& camera)
+{
+    if (!camera.canConnect)
+        return;
+    for (const SDeviceInfo* device : {&camera.comm, &camera.video}) {
+        if (!device->empty() && !device->canConnect) {
+            refuse(camera,
+                device->errorSummary.empty() ? CString("Device unavailable") : device->errorSummary,
+                CString("The device \"") + device->deviceName + "\" of \"" + device->interfaceName
+                    + "\" cannot be used."
+                    + (device->errorMessage.empty() ? CString() : " " + device->errorMessage));
+            return;
+        }
+    }
+    const TSharedPtr<ICamera> type = cameras()->cameraByName(camera.name);
+    if (!type) {
+        refuse(camera, "Unknown camera type",
+            CString("The camera type \"") + camera.name + "\" is not installed.");
+        return;
+    }
+    if (camera.controller.empty())
+        camera.controller = type->controller;
+    if (!controllerExists(camera.controller)) {
+        refuse(camera, "No controller",
+            CString("No controller named \"") + camera.controller
+                + "\" is installed for this camera.");
+    }
+}
+
+} // namespace
+
+bool CCameraFinder::Find(unsigned flags)
+{
+    TArray<SCameraInfo> found;
+    const bool ok = ScanInterfaces(*interfaces(), emulatorsEnabled.load(),
+        (flags & FIND_EMULATORS_ONLY) != 0, &IInterface::findCameras, found);
+    m_cameras.clear();
+    for (SCameraInfo& camera : found) {
+        if ((flags & FIND_COMPLETE) && camera.video.empty())
+            continue;
+        judge(camera);
+        m_cameras.add(std::move(camera));
+    }
+    return ok;
+}
+
+bool CCameraFinder::Find(TArray<CString> cameraNames, unsigned flags)
+{
+    const bool ok = Find(flags);
+    TArray<SCameraInfo> kept;
+    for (SCameraInfo& camera : m_cameras) {
+        if (cameraNames.contains(camera.name))
+            kept.add(std::move(camera));
+    }
+    m_cameras = std::move(kept);
+    return ok;
+}
+
+SCameraInfo CCameraFinder::at(std::uint64_t index) const
+{
+    if (index >= size())
+        ThrowOutOfRangeException("CCameraFinder: index out of range.");
+    return m_cameras[static_cast<int>(index)];
+}
+
+void CCameraFinder::setEnableEmulators(bool enable)
+{
+    emulatorsEnabled = enable;
+}
+
+bool CCameraFinder::enableEmulators()
+{
+    return emulatorsEnabled;
+}
+
+} // namespace kiv::cam

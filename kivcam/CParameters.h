@@ -1,0 +1,63 @@
+#pragma once
+
+#include <kiv/CString.h>
+#include <kiv/CVariant.h>
+#include <kiv/TArray.h>
+#include <kivcam/kivcam_export.h>
+
+#include <cstdint>
+
+namespace kiv::cam {
+
+// The named, typed settings of a device (a port's baud rate, a grabber's control channel...).
+class KIVCAM_EXPORT CParameters {
+public:
+    // The lowest edit level of a viewer at which an entry may be changed; a viewer at a higher
+    // level may change more entries.
+    enum EEditLevel : std::int32_t {
+        EDIT_ALWAYS = 0,
+        EDIT_CUSTOM = 1,
+        EDIT_CUSTOM_SELECT = 2,
+        EDIT_INTERNAL = 3,
+        EDIT_NEVER = 4,
+    };
+
+    class KIVCAM_EXPORT CEntry {
+    public:
+        CEntry() = default;
+        CEntry(CString name, CString displayName, CString description, EEditLevel editLevel,
+            CVariant value);
+
+        const CVariant& value() const { return m_value; }
+        // Converts value into the entry's own type and stores it; a value that does not fit
+        // (text that does not parse, a number out of range, an unknown enumeration name) is
+        // refused. Gives the value the entry holds afterwards.
+        CVariant setValue(const CVariant& value);
+
+        CString name;
+        CString displayName;
+        CString description;
+        EEditLevel editLevel = EDIT_ALWAYS;
+
+    private:
+        CVariant m_value;
+    };
+
+    unsigned count() const { return static_cast<unsigned>(m_entries.count()); }
+    // An index beyond count() or an unknown name throws kiv::COutOfRangeException.
+    CEntry& operator[](unsigned index);
+    const CEntry& operator[](unsigned index) const;
+    CEntry& operator[](const CString& name);
+    const CEntry& operator[](const CString& name) const;
+    bool Exists(const CString& name) const;
+
+    // Appends an entry, or replaces the entry of the same name in its place.
+    CEntry& Add(const CEntry& entry);
+
+private:
+    int IndexOf(const CString& name) const;
+
+    TArray<CEntry> m_entries;
+};
+
+} // namespace kiv::cam

@@ -1,0 +1,12 @@
+#include "ICamera.h"
+
+namespace kiv::cam {
+
+ICamera::~ICamera() = default;
+
+bool ICamera::IsSupportedBaseDeviceType(const CString& baseType) const
+{
+    return baseTypes.contains(baseType);
+}
+
+} // namespace kiv::cam

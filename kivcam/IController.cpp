@@ -1,0 +1,7 @@
+#include "IController.h"
+
+namespace kiv::cam {
+
+IController::~IController() = default;
+
+} // namespace kiv::cam

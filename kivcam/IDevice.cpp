@@ -1,0 +1,7 @@
+#include "IDevice.h"
+
+namespace kiv::cam {
+
+IDevice::~IDevice() = default;
+
+} // namespace kiv::cam

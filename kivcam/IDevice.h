@@ -1,0 +1,22 @@
+#pragma once
+
+#include <kivcam/SDeviceInfo.h>
+#include <kivcam/kivcam_export.h>
+
+namespace kiv::cam {
+
+// An open connection to one transport device, made by IInterface::createDevice.
+class KIVCAM_EXPORT IDevice {
+public:
+    virtual ~IDevice();
+
+    // Opens the device the record describes, with the record's parameters. With exclusive the
+    // device is not shared with other users. Gives false when the device cannot be opened.
+    virtual bool open(SDeviceInfo info, bool exclusive) = 0;
+    virtual void close() = 0;
+    virtual bool isOpen() const = 0;
+    // The record the device was opened with.
+    virtual const SDeviceInfo& info() const = 0;
+};
+
+} // namespace kiv::cam

@@ -1,0 +1,7 @@
+#include "IInterface.h"
+
+namespace kiv::cam {
+
+IInterface::~IInterface() = default;
+
+} // namespace kiv::cam

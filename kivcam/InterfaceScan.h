@@ -1,0 +1,44 @@
+#pragma once
+
+#include <kiv/TArray.h>
+#include <kiv/TSharedPtr.h>
+#include <kivcam/CInterfaces.h>
+#include <kivcam/IInterface.h>
+
+#include <future>
+#include <utility>
+#include <vector>
+
+namespace kiv::cam {
+
+// Runs one scan per chosen transport of the catalogue, each on a thread of its own, so that a
+// search takes as long as its slowest transport; appends the results in catalogue order. Emulator
+// transports take part only when emulators is true, and alone when emulatorsOnly is true. False
+// when any transport's scan failed.
+template <typename Record>
+bool ScanInterfaces(CInterfaces& catalogue, bool emulators, bool emulatorsOnly,
+    bool (IInterface::*scan)(TArray<Record>&), TArray<Record>& out)
+{
+    using SResult = std::pair<bool, TArray<Record>>;
+    std::vector<std::future<SResult>> scans;
+    for (int i = 0; i < catalogue.interfaceCount(); ++i) {
+        TSharedPtr<IInterface> transport = catalogue.interfaceAt(i);
+        if ((transport->isEmulator && !emulators) || (emulatorsOnly && !transport->isEmulator))
+            continue;
+        scans.push_back(std::async(std::launch::async, [transport, scan] {
+            SResult result;
+            result.first = ((*transport).*scan)(result.second);
+            return result;
+        }));
+    }
+    bool ok = true;
+    for (std::future<SResult>& pending : scans) {
+        SResult result = pending.get();
+        ok = ok && result.first;
+        for (Record& record : result.second)
+            out.add(std::move(record));
+    }
+    return ok;
+}
+
+} // namespace kiv::cam

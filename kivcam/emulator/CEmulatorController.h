@@ -1,0 +1,29 @@
+#pragma once
+
+#include <kiv/CString.h>
+#include <kiv/TSharedPtr.h>
+#include <kivcam/IController.h>
+#include <kivcam/emulator/CEmulatorWorld.h>
+
+#include <atomic>
+
+namespace kiv::cam {
+
+// A controller of the emulator's world; its faults, and its cameras', come from the world.
+class CEmulatorController : public IController {
+public:
+    CEmulatorController(
+        CEmulatorWorld::SController settings, TSharedPtr<const CEmulatorWorld> world);
+
+    bool connect(TSharedPtr<IDevice> device, SCameraInfo camera) override;
+    void disconnect() override;
+    bool isConnected() const override;
+    CString name() const override;
+
+private:
+    const CEmulatorWorld::SController m_settings;
+    const TSharedPtr<const CEmulatorWorld> m_world;
+    std::atomic<bool> m_connected{false};
+};
+
+} // namespace kiv::cam

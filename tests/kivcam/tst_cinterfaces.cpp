@@ -1,0 +1,121 @@
+#include "TestBackend.h"
+
+#include <kivcam/CInterfaces.h>
+
+#include <QTest>
+
+using kiv::CString;
+using kiv::TArray;
+using kiv::cam::CInterfaces;
+using kiv::cam::interfaces;
+using kiv::cam::SDeviceInfo;
+using test::SScanControl;
+
+namespace {
+
+QByteArrayList deviceNames(const TArray<SDeviceInfo>& devices)
+{
+    QByteArrayList names;
+    for (const SDeviceInfo& device : devices)
+        names << QByteArray(device.interfaceName.c_str()) + "/" + device.deviceName.c_str();
+    return names;
+}
+
+} // namespace
+
+class tst_CInterfaces : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        interfaces()->setEnableEmulators(false);
+        SScanControl::failBroken = false;
+        SScanControl::rendezvous = false;
+    }
+    void singleInstance() { QCOMPARE(interfaces(), interfaces()); }
+    void listsEveryTransportEmulatorsIncluded()
+    {
+        QCOMPARE(interfaces()->interfaceCount(), 4);
+        QCOMPARE(QByteArray(interfaces()->interfaceAt(2)->name.c_str()), QByteArray("TestEmu"));
+        QVERIFY(interfaces()->interfaceAt(2)->isEmulator);
+        QVERIFY(!interfaces()->interfaceAt(4));
+        QVERIFY(!interfaces()->interfaceAt(-1));
+    }
+    void findsByName()
+    {
+        QCOMPARE(
+            interfaces()->interfaceByName("TestGrabber").get(), interfaces()->interfaceAt(1).get());
+        QVERIFY(!interfaces()->interfaceByName("Nothing"));
+    }
+    void emulatorsAreOffAtStart() { QVERIFY(!CInterfaces().enableEmulators()); }
+    void findDevicesWithoutEmulators()
+    {
+        TArray<SDeviceInfo> devices;
+        QVERIFY(interfaces()->findDevices(devices, CInterfaces::FIND_PRESENT));
+        QCOMPARE(deviceNames(devices),
+            (QByteArrayList{"TestSerial/COM1", "TestSerial/COM2", "TestGrabber/Grabber 0 / Port 0",
+                "TestBroken/COM9"}));
+    }
+    void findDevicesWithEmulators()
+    {
+        interfaces()->setEnableEmulators(true);
+        TArray<SDeviceInfo> devices{SDeviceInfo()};
+        QVERIFY(interfaces()->findDevices(devices, CInterfaces::FIND_PRESENT));
+        QCOMPARE(devices.count(), 6); // the record that was there is kept
+        QVERIFY(deviceNames(devices).contains("TestEmu/Emu 0"));
+    }
+    void emulatorsOnly()
+    {
+        interfaces()->setEnableEmulators(true);
+        TArray<SDeviceInfo> devices;
+        QVERIFY(interfaces()->findDevices(
+            devices, CInterfaces::FIND_PRESENT | CInterfaces::FIND_EMULATORS_ONLY));
+        QCOMPARE(deviceNames(devices), QByteArrayList{"TestEmu/Emu 0"});
+    }
+    void findDevicesOfBaseTypeOrTransportName()
+    {
+        interfaces()->setEnableEmulators(true);
+        TArray<SDeviceInfo> serial;
+        QVERIFY(interfaces()->findDevicesOf(serial, {"Serial"}, CInterfaces::FIND_PRESENT));
+        QCOMPARE(deviceNames(serial),
+            (QByteArrayList{"TestSerial/COM1", "TestSerial/COM2", "TestBroken/COM9"}));
+        TArray<SDeviceInfo> byName;
+        QVERIFY(interfaces()->findDevicesOf(
+            byName, {"TestGrabber", "CamEmu"}, CInterfaces::FIND_PRESENT));
+        QCOMPARE(deviceNames(byName),
+            (QByteArrayList{"TestGrabber/Grabber 0 / Port 0", "TestEmu/Emu 0"}));
+        TArray<SDeviceInfo> none;
+        QVERIFY(interfaces()->findDevicesOf(none, {}, CInterfaces::FIND_PRESENT));
+        QVERIFY(none.empty());
+    }
+    void failedScanKeepsTheOthers()
+    {
+        SScanControl::failBroken = true;
+        TArray<SDeviceInfo> devices;
+        QVERIFY(!interfaces()->findDevices(devices, CInterfaces::FIND_PRESENT));
+        QCOMPARE(deviceNames(devices),
+            (QByteArrayList{
+                "TestSerial/COM1", "TestSerial/COM2", "TestGrabber/Grabber 0 / Port 0"}));
+    }
+    void transportsAreScannedAtTheSameTime()
+    {
+        // Each of the two scans waits for the other to start: run one after the other, the
+        // first would give up and the search would fail.
+        SScanControl::waiting = 0;
+        SScanControl::rendezvous = true;
+        TArray<SDeviceInfo> devices;
+        QVERIFY(interfaces()->findDevices(devices, CInterfaces::FIND_PRESENT));
+        QCOMPARE(devices.count(), 4);
+    }
+    void createsUnopenedDevices()
+    {
+        const kiv::TSharedPtr<kiv::cam::IDevice> device
+            = interfaces()->interfaceByName("TestSerial")->createDevice();
+        QVERIFY(device);
+        QVERIFY(!device->isOpen());
+    }
+};
+
+QTEST_APPLESS_MAIN(tst_CInterfaces)
+#include "tst_cinterfaces.moc"

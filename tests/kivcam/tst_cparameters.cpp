@@ -1,0 +1,113 @@
+#include <kiv/CException.h>
+#include <kivcam/CParameters.h>
+
+#include <QTest>
+
+using kiv::CString;
+using kiv::CVariant;
+using kiv::cam::CParameters;
+
+namespace {
+
+CVariant baudRates(long long value)
+{
+    kiv::TArray<CVariant::SEnumItem> items;
+    for (long long rate : {9600, 19200, 115200})
+        items.add({CString(std::to_string(rate)), rate});
+    return CVariant::Enum(items, value);
+}
+
+CParameters sample()
+{
+    CParameters parameters;
+    parameters.Add({"Control", "Control channel", "Where commands go", CParameters::EDIT_ALWAYS,
+        CVariant("COM1")});
+    parameters.Add(
+        {"BaudRate", "Baud rate", "Serial speed", CParameters::EDIT_CUSTOM, baudRates(9600)});
+    CVariant timeout(CVariant::TYPE_UINT16);
+    timeout.Assign(CVariant(500));
+    parameters.Add({"Timeout", "Timeout", "Milliseconds", CParameters::EDIT_INTERNAL, timeout});
+    return parameters;
+}
+
+} // namespace
+
+class tst_CParameters : public QObject {
+    Q_OBJECT
+
+private slots:
+    void editLevelsAreNumberedZeroToFour()
+    {
+        QCOMPARE(int(CParameters::EDIT_ALWAYS), 0);
+        QCOMPARE(int(CParameters::EDIT_CUSTOM), 1);
+        QCOMPARE(int(CParameters::EDIT_CUSTOM_SELECT), 2);
+        QCOMPARE(int(CParameters::EDIT_INTERNAL), 3);
+        QCOMPARE(int(CParameters::EDIT_NEVER), 4);
+    }
+    void entriesKeepTheirOrderAndFields()
+    {
+        const CParameters parameters = sample();
+        QCOMPARE(parameters.count(), 3u);
+        QCOMPARE(QByteArray(parameters[0u].name.c_str()), QByteArray("Control"));
+        QCOMPARE(QByteArray(parameters[1u].displayName.c_str()), QByteArray("Baud rate"));
+        QCOMPARE(QByteArray(parameters[1u].description.c_str()), QByteArray("Serial speed"));
+        QCOMPARE(parameters[2u].editLevel, CParameters::EDIT_INTERNAL);
+        QCOMPARE(QByteArray(parameters[CString("Timeout")].value().ToString().c_str()),
+            QByteArray("500"));
+    }
+    void existsAndLookupByName()
+    {
+        CParameters parameters = sample();
+        QVERIFY(parameters.Exists("BaudRate"));
+        QVERIFY(!parameters.Exists("baudrate"));
+        QVERIFY(!parameters.Exists(CString()));
+        QCOMPARE(&parameters[CString("BaudRate")], &parameters[1u]);
+    }
+    void unknownNameAndIndexThrow()
+    {
+        CParameters parameters = sample();
+        QVERIFY_THROWS_EXCEPTION(kiv::COutOfRangeException, parameters[CString("Missing")]);
+        QVERIFY_THROWS_EXCEPTION(kiv::COutOfRangeException, parameters[3u]);
+    }
+    void addingTheSameNameReplacesInPlace()
+    {
+        CParameters parameters = sample();
+        parameters.Add({"BaudRate", "Speed", "", CParameters::EDIT_NEVER, baudRates(115200)});
+        QCOMPARE(parameters.count(), 3u);
+        QCOMPARE(QByteArray(parameters[1u].displayName.c_str()), QByteArray("Speed"));
+        QCOMPARE(parameters[1u].value().ToInt64(), 115200);
+    }
+    void setValueConvertsIntoTheEntryType()
+    {
+        CParameters parameters = sample();
+        CParameters::CEntry& rate = parameters[CString("BaudRate")];
+        QCOMPARE(
+            QByteArray(rate.setValue(CVariant("19200")).ToString().c_str()), QByteArray("19200"));
+        QCOMPARE(rate.value().getType(), CVariant::TYPE_ENUM);
+        QCOMPARE(rate.setValue(CVariant(115200)).ToInt64(), 115200);
+    }
+    void setValueRefusesWhatDoesNotFit()
+    {
+        CParameters parameters = sample();
+        CParameters::CEntry& rate = parameters[CString("BaudRate")];
+        QCOMPARE(rate.setValue(CVariant(1234)).ToInt64(), 9600);
+        QCOMPARE(rate.setValue(CVariant("fast")).ToInt64(), 9600);
+        CParameters::CEntry& timeout = parameters[CString("Timeout")];
+        QCOMPARE(timeout.setValue(CVariant("70000")).ToInt64(), 500);
+        QCOMPARE(timeout.setValue(CVariant("-1")).ToInt64(), 500);
+        QCOMPARE(timeout.setValue(CVariant("65535")).ToInt64(), 65535);
+    }
+    void copiesAreIndependent()
+    {
+        CParameters original = sample();
+        CParameters copy = original;
+        copy[CString("Control")].setValue(CVariant("COM7"));
+        QCOMPARE(QByteArray(original[CString("Control")].value().ToString().c_str()),
+            QByteArray("COM1"));
+        QCOMPARE(
+            QByteArray(copy[CString("Control")].value().ToString().c_str()), QByteArray("COM7"));
+    }
+};
+
+QTEST_APPLESS_MAIN(tst_CParameters)
+#include "tst_cparameters.moc"
