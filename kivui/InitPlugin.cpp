@@ -1,0 +1,14 @@
+#include "InitPlugin.h"
+
+#include "DialogButtonBoxHelper.h"
+#include "ObjectListModel.h"
+
+#include <QtQml/qqml.h>
+
+void kivuiInitPlugin()
+{
+    qmlRegisterUncreatableType<DialogButtonBoxHelper>("kivui", 1, 0, "DialogButtonBoxHelper",
+        "DialogButtonBoxHelper is only available as an attached property");
+    qmlRegisterUncreatableType<ObjectListModel>(
+        "kivui", 1, 0, "ObjectListModel", "ObjectListModel is made by the models");
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <kivui/kivui_export.h>
+
+// Registers the QML module "kivui" 1.0 (DialogButtonBoxHelper). Call once on the GUI thread
+// before loading QML that imports it.
+KIVUI_EXPORT void kivuiInitPlugin();

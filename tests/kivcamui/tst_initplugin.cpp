@@ -1,0 +1,66 @@
+#include <kivcamui/plugin/InitPlugin.h>
+
+#include <QFile>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QTest>
+
+namespace {
+
+// Creates an object from QML text; gives the error text when the component fails.
+QString qmlErrors(QQmlEngine& engine, const QByteArray& text)
+{
+    QQmlComponent component(&engine);
+    component.setData(text, QUrl("qrc:/test.qml"));
+    std::unique_ptr<QObject> object(component.create());
+    return object ? QString() : component.errorString();
+}
+
+} // namespace
+
+class tst_InitPlugin : public QObject {
+    Q_OBJECT
+
+private slots:
+    // Runs first: nothing has called kivcamuiInitPlugin yet.
+    void resourcesAreThereBeforeTheCall()
+    {
+        QVERIFY(QFile::exists(":/kivcamui/images/wspreview.png"));
+        QVERIFY(QFile::exists(":/data/images/CameraLink.png"));
+        QFile preview(":/kivcamui/images/wspreview.png");
+        QVERIFY(preview.open(QIODevice::ReadOnly));
+        QVERIFY(preview.read(8).startsWith("\x89PNG"));
+    }
+    void importFailsBeforeTheCall()
+    {
+        QQmlEngine engine;
+        QVERIFY(!qmlErrors(engine, "import kivcamui 1.0\nimport QtQml\nQtObject {}").isEmpty());
+    }
+    void importWorksAfterTheCall()
+    {
+        kivcamuiInitPlugin();
+        QQmlEngine engine;
+        QCOMPARE(qmlErrors(engine, "import kivcamui 1.0\nimport QtQml\nQtObject {}"), QString());
+    }
+    void otherVersionsFail()
+    {
+        QQmlEngine engine;
+        const QString errors = qmlErrors(engine, "import kivcamui 2.0\nimport QtQml\nQtObject {}");
+        QVERIFY2(errors.contains("kivcamui"), qPrintable(errors));
+    }
+    void initialisesTheUiLibrary()
+    {
+        QQmlEngine engine;
+        QCOMPARE(qmlErrors(engine, "import kivui 1.0\nimport QtQml\nQtObject {}"), QString());
+    }
+    void callingAgainIsHarmless()
+    {
+        kivcamuiInitPlugin();
+        QVERIFY(QFile::exists(":/kivcamui/images/wspreview.png"));
+        QQmlEngine engine;
+        QCOMPARE(qmlErrors(engine, "import kivcamui 1.0\nimport QtQml\nQtObject {}"), QString());
+    }
+};
+
+QTEST_MAIN(tst_InitPlugin)
+#include "tst_initplugin.moc"
