@@ -1,5 +1,8 @@
 #include "InitPlugin.h"
 
+#include <kivcamui/camera/CameraInfo.h>
+#include <kivcamui/custom/CameraModel.h>
+#include <kivcamui/device/DeviceInfo.h>
 #include <kivui/InitPlugin.h>
 
 #include <QtCore/qresource.h>
@@ -11,7 +14,15 @@ void kivcamuiInitPlugin()
     // the resources available to a host that loads the library statically.
     Q_INIT_RESOURCE(kivcamui);
 
-    qmlRegisterModule("kivcamui", 1, 0);
+    // The types in their fixed order; the reason texts are what QML reports when it is asked to
+    // create an uncreatable one (DeviceInfo's names CameraInfo on purpose).
+    using namespace kiv::cam::ui;
+    qmlRegisterUncreatableType<CameraInfo>(
+        "kivcamui", 1, 0, "CameraInfo", "Can only create CameraInfo from CameraFinderModel");
+    qmlRegisterUncreatableType<DeviceInfo>(
+        "kivcamui", 1, 0, "DeviceInfo", "Can only create CameraInfo from CameraFinderModel");
+    qmlRegisterUncreatableType<CameraModel>(
+        "kivcamui", 1, 0, "CameraModel", "Can only get CameraModel from CustomCameraSelectorModel");
 
     kivuiInitPlugin();
 }

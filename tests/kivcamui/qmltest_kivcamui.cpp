@@ -1,0 +1,61 @@
+// Runs the Qt Quick tests of the kivcamui module (qml/tst_*.qml) over the documented example
+// world, with a fixture that hands QML the objects the library's models would make.
+
+#include <kivcam/CCameras.h>
+#include <kivcamui/camera/CameraInfo.h>
+#include <kivcamui/plugin/InitPlugin.h>
+
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QtQuickTest>
+
+class Fixture : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    // A camera description like the ones discovery makes, owned by the fixture.
+    Q_INVOKABLE kiv::cam::ui::CameraInfo* makeCamera()
+    {
+        kiv::cam::SCameraInfo record = kiv::cam::cameras()->cameraByName("Kelvin640")->defaultInfo;
+        record.name = "Kelvin640";
+        record.iconName = "Kelvin";
+        record.controller = "Thermal";
+        record.comm.interfaceName = "EmuSerial";
+        record.comm.deviceName = "COM1";
+        record.comm.baseType = "Serial";
+        record.comm.parameters.Add(
+            {"Control", "Port", "", kiv::cam::CParameters::EDIT_ALWAYS, kiv::CVariant("COM1")});
+        kiv::TArray<kiv::CVariant::SEnumItem> rates;
+        rates.add({"9600", 9600});
+        rates.add({"115200", 115200});
+        record.comm.parameters.Add({"BaudRate", "Baud rate", "", kiv::cam::CParameters::EDIT_CUSTOM,
+            kiv::CVariant::Enum(rates, 9600)});
+        return new kiv::cam::ui::CameraInfo(record, this);
+    }
+    // What the camera's record holds now, read natively.
+    Q_INVOKABLE QString recordParameter(kiv::cam::ui::CameraInfo* camera, const QString& name)
+    {
+        return QString::fromUtf8(camera->info()
+                                     .comm.parameters[kiv::CString(name.toUtf8().constData())]
+                                     .value()
+                                     .ToString()
+                                     .c_str());
+    }
+    Q_INVOKABLE int recordWidth(kiv::cam::ui::CameraInfo* camera) { return camera->info().width; }
+};
+
+class Setup : public QObject {
+    Q_OBJECT
+
+public slots:
+    void applicationAvailable() { kivcamuiInitPlugin(); }
+    void qmlEngineAvailable(QQmlEngine* engine)
+    {
+        engine->rootContext()->setContextProperty("fixture", new Fixture(engine));
+    }
+};
+
+QUICK_TEST_MAIN_WITH_SETUP(kivcamui, Setup)
+#include "qmltest_kivcamui.moc"
