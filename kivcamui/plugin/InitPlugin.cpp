@@ -1,5 +1,6 @@
 #include "InitPlugin.h"
 
+#include <kivcamui/camera/CameraFinderModel.h>
 #include <kivcamui/camera/CameraInfo.h>
 #include <kivcamui/custom/CameraModel.h>
 #include <kivcamui/device/DeviceInfo.h>
@@ -17,6 +18,7 @@ void kivcamuiInitPlugin()
     // The types in their fixed order; the reason texts are what QML reports when it is asked to
     // create an uncreatable one (DeviceInfo's names CameraInfo on purpose).
     using namespace kiv::cam::ui;
+    qmlRegisterType<CameraFinderModel>("kivcamui", 1, 0, "CameraFinderModel");
     qmlRegisterUncreatableType<CameraInfo>(
         "kivcamui", 1, 0, "CameraInfo", "Can only create CameraInfo from CameraFinderModel");
     qmlRegisterUncreatableType<DeviceInfo>(

@@ -1,0 +1,110 @@
+#include "CameraFinderModel.h"
+
+#include <kiv/CMemFile.h>
+#include <kivcamui/plugin/Conversions.h>
+
+#include <QJSEngine>
+#include <QThreadPool>
+#include <QtConcurrent/QtConcurrentRun>
+
+namespace kiv::cam::ui {
+
+CameraFinderModel::CameraFinderModel(QObject* parent) : QObject(parent)
+{
+    connect(&m_watcher, &QFutureWatcher<bool>::finished, this, &CameraFinderModel::doneScanning);
+    QJSEngine::setObjectOwnership(&m_cameras, QJSEngine::CppOwnership);
+    // Any content turns emulators on, "0" included: only the variable's presence counts.
+    if (!qEnvironmentVariableIsEmpty("KIVCAM_ENABLE_EMULATORS"))
+        m_search->enableEmulators = true;
+}
+
+// A search still running keeps its own share of the search state and ends on its own; nobody
+// waits for it, and its result goes nowhere.
+CameraFinderModel::~CameraFinderModel() = default;
+
+void CameraFinderModel::setEnableEmulators(bool enable)
+{
+    m_search->enableEmulators = enable;
+}
+
+void CameraFinderModel::setEmulatorsOnly(bool only)
+{
+    m_search->emulatorsOnly = only;
+}
+
+void CameraFinderModel::setSupportedCameras(const QList<QString>& names)
+{
+    if (names == m_supportedCameras)
+        return;
+    m_supportedCameras = names;
+    emit supportedCamerasChanged();
+}
+
+void CameraFinderModel::setCommOnly(bool commOnly)
+{
+    if (commOnly == m_search->commOnly)
+        return;
+    m_search->commOnly = commOnly;
+    emit commOnlyChanged();
+}
+
+void CameraFinderModel::scan()
+{
+    if (m_scanning)
+        return;
+    m_cameras.removeAll();
+    m_scanning = true;
+    emit scanningChanged();
+
+    TArray<CString> names;
+    for (const QString& name : std::as_const(m_supportedCameras))
+        names.add(toCString(name));
+    m_watcher.setFuture(QtConcurrent::run(
+        QThreadPool::globalInstance(), [search = m_search, names = std::move(names)]() mutable {
+            CCameraFinder::setEnableEmulators(search->enableEmulators);
+            const unsigned flags
+                = (search->commOnly ? CCameraFinder::FIND_COMM : CCameraFinder::FIND_COMPLETE)
+                | (search->emulatorsOnly ? CCameraFinder::FIND_EMULATORS_ONLY : 0u);
+            return names.empty() ? search->finder.Find(flags)
+                                 : search->finder.Find(std::move(names), flags);
+        }));
+}
+
+void CameraFinderModel::doneScanning()
+{
+    m_cameras.removeAll();
+    if (m_watcher.future().result()) {
+        const CCameraFinder& finder = m_search->finder;
+        for (std::uint64_t i = 0; i < finder.size(); ++i)
+            m_cameras.push_back(new CameraInfo(finder.at(i), this));
+    }
+    m_scanning = false;
+    if (!m_scanned) {
+        m_scanned = true;
+        emit scannedChanged();
+    }
+    emit scanningChanged();
+}
+
+CameraInfo* CameraFinderModel::loadCameraInfo(const QString& fname)
+{
+    SCameraInfo record;
+    if (!record.Load(toLocalPath(fname)))
+        return nullptr;
+    return new CameraInfo(record, nullptr);
+}
+
+CameraInfo* CameraFinderModel::loadCameraInfoFromString(const QString& xmlFragment)
+{
+    // The file reads the bytes in place; they outlive the loading.
+    QByteArray bytes = xmlFragment.toUtf8();
+    TSharedPtr<CMemFile> file = CMemFile::Create();
+    file->Attach(reinterpret_cast<unsigned char*>(bytes.data()),
+        static_cast<std::uint64_t>(bytes.size()), false);
+    SCameraInfo record;
+    if (!record.Load(TSharedPtr<IFile>(file)))
+        return nullptr;
+    return new CameraInfo(record, nullptr);
+}
+
+} // namespace kiv::cam::ui

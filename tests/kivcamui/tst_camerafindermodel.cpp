@@ -1,0 +1,294 @@
+#include <kivcamui/camera/CameraFinderModel.h>
+
+#include <QAbstractItemModelTester>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThreadPool>
+#include <QTimer>
+#include <QUrl>
+
+using kiv::cam::SCameraInfo;
+using kiv::cam::ui::CameraFinderModel;
+using kiv::cam::ui::CameraInfo;
+
+namespace {
+
+QStringList serials(CameraFinderModel& model)
+{
+    QStringList found;
+    for (int i = 0; i < model.cameras()->size(); ++i)
+        found << qobject_cast<CameraInfo*>(model.cameras()->at(i))->serial();
+    return found;
+}
+
+// Runs one search to its end.
+bool scanToEnd(CameraFinderModel& model)
+{
+    QSignalSpy scanning(&model, &CameraFinderModel::scanningChanged);
+    model.scan();
+    return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
+}
+
+} // namespace
+
+// Runs over tests/kivcamui/data/finder-world.xml: a real transport with a control-only camera
+// (M-1) and a slow emulated one with a complete camera (K-1) and one that cannot connect (K-2).
+class tst_CameraFinderModel : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { qunsetenv("KIVCAM_ENABLE_EMULATORS"); }
+    void cleanupTestCase() { QThreadPool::globalInstance()->waitForDone(); }
+
+    void startsIdle()
+    {
+        CameraFinderModel model;
+        QAbstractItemModelTester tester(
+            model.cameras(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QVERIFY(!model.scanning());
+        QVERIFY(!model.scanned());
+        QVERIFY(!model.enableEmulators());
+        QVERIFY(!model.emulatorsOnly());
+        QVERIFY(model.commOnly());
+        QVERIFY(model.supportedCameras().isEmpty());
+        QCOMPARE(model.cameras()->size(), 0);
+        QCOMPARE(model.parent(), nullptr);
+    }
+    void environmentTurnsEmulatorsOn_data()
+    {
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<bool>("set");
+        QTest::addColumn<bool>("enabled");
+        QTest::newRow("absent") << QByteArray() << false << false;
+        QTest::newRow("empty") << QByteArray() << true << false;
+        QTest::newRow("zero") << QByteArray("0") << true << true;
+        QTest::newRow("one") << QByteArray("1") << true << true;
+    }
+    void environmentTurnsEmulatorsOn()
+    {
+        QFETCH(QByteArray, value);
+        QFETCH(bool, set);
+        QFETCH(bool, enabled);
+        if (set)
+            qputenv("KIVCAM_ENABLE_EMULATORS", value);
+        const CameraFinderModel model;
+        QCOMPARE(model.enableEmulators(), enabled);
+    }
+    void firstSearchAnnouncesScannedThenScanning()
+    {
+        CameraFinderModel model;
+        QStringList order;
+        connect(&model, &CameraFinderModel::scanningChanged, this,
+            [&] { order << (model.scanning() ? "scanning" : "idle"); });
+        connect(&model, &CameraFinderModel::scannedChanged, this, [&] { order << "scanned"; });
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(order, (QStringList{"scanning", "scanned", "idle"}));
+        order.clear();
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(order, (QStringList{"scanning", "idle"}));
+        QVERIFY(model.scanned());
+    }
+    void realCamerasOnlyByDefault()
+    {
+        CameraFinderModel model;
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(serials(model), QStringList{"M-1"});
+        auto* camera = qobject_cast<CameraInfo*>(model.cameras()->at(0));
+        QCOMPARE(camera->parent(), &model);
+        QCOMPARE(camera->name(), QStringLiteral("Mistral320"));
+    }
+    void scanDuringAScanDoesNothing()
+    {
+        CameraFinderModel model;
+        model.setEnableEmulators(true);
+        QSignalSpy scanning(&model, &CameraFinderModel::scanningChanged);
+        QSignalSpy scanned(&model, &CameraFinderModel::scannedChanged);
+        model.scan();
+        QCOMPARE(scanning.count(), 1);
+        model.scan();
+        model.scan();
+        QCOMPARE(scanning.count(), 1);
+        QCOMPARE(scanned.count(), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
+        QCOMPARE(scanning.count(), 2);
+        QCOMPARE(scanned.count(), 1);
+        QCOMPARE(serials(model), (QStringList{"M-1", "K-1", "K-2"}));
+    }
+    void listIsEmptyWhileSearching()
+    {
+        CameraFinderModel model;
+        QVERIFY(scanToEnd(model));
+        QPointer<QObject> old = model.cameras()->at(0);
+        model.setEnableEmulators(true);
+        model.scan();
+        QCOMPARE(model.cameras()->size(), 0);
+        QVERIFY(old.isNull());
+        QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
+        QCOMPARE(model.cameras()->size(), 3);
+    }
+    void flagsNine()
+    {
+        CameraFinderModel model;
+        model.setEnableEmulators(true);
+        model.setEmulatorsOnly(true); // with commOnly: flags 1 + 8
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(serials(model), (QStringList{"K-1", "K-2"}));
+    }
+    void flagsFour()
+    {
+        CameraFinderModel model;
+        model.setEnableEmulators(true);
+        model.setCommOnly(false);
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(serials(model), (QStringList{"K-1", "K-2"}));
+        model.setEnableEmulators(false);
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(serials(model), QStringList());
+    }
+    void namesArePassedToTheFinder()
+    {
+        CameraFinderModel model;
+        model.setEnableEmulators(true);
+        model.setSupportedCameras({"Kelvin640"});
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(serials(model), (QStringList{"K-1", "K-2"}));
+        model.setSupportedCameras({"NoSuchType"});
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(model.cameras()->size(), 0);
+    }
+    void camerasThatCannotConnectAreListedWithTheirReasons()
+    {
+        CameraFinderModel model;
+        model.setEnableEmulators(true);
+        model.setSupportedCameras({"Kelvin640"});
+        QVERIFY(scanToEnd(model));
+        auto* standby = qobject_cast<CameraInfo*>(model.cameras()->at(1));
+        QVERIFY(!standby->canConnect());
+        QCOMPARE(standby->errorSummary(), QStringLiteral("Camera in standby"));
+        QCOMPARE(standby->errorMessage(), QStringLiteral("Wake the camera up and search again."));
+        QVERIFY(qobject_cast<CameraInfo*>(model.cameras()->at(0))->canConnect());
+    }
+    void switchesReadWhenTheSearchStarts()
+    {
+        CameraFinderModel model;
+        model.scan();
+        model.setEnableEmulators(true); // the task may or may not have started: either is fine
+        QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(model.cameras()->size(), 3);
+    }
+    void emulatorSwitchesEmitNothing()
+    {
+        CameraFinderModel model;
+        QSignalSpy scanning(&model, &CameraFinderModel::scanningChanged);
+        QSignalSpy scanned(&model, &CameraFinderModel::scannedChanged);
+        QSignalSpy supported(&model, &CameraFinderModel::supportedCamerasChanged);
+        QSignalSpy commOnly(&model, &CameraFinderModel::commOnlyChanged);
+        model.setEnableEmulators(true);
+        model.setEnableEmulators(false);
+        model.setEmulatorsOnly(true);
+        QVERIFY(model.emulatorsOnly());
+        QCOMPARE(scanning.count() + scanned.count() + supported.count() + commOnly.count(), 0);
+        const QMetaObject& meta = CameraFinderModel::staticMetaObject;
+        QVERIFY(!meta.property(meta.indexOfProperty("enableEmulators")).hasNotifySignal());
+        QVERIFY(!meta.property(meta.indexOfProperty("emulatorsOnly")).hasNotifySignal());
+    }
+    void settersAnnounceOnlyChanges()
+    {
+        CameraFinderModel model;
+        QSignalSpy supported(&model, &CameraFinderModel::supportedCamerasChanged);
+        QSignalSpy commOnly(&model, &CameraFinderModel::commOnlyChanged);
+        model.setCommOnly(true);
+        QCOMPARE(commOnly.count(), 0);
+        model.setCommOnly(false);
+        QCOMPARE(commOnly.count(), 1);
+        model.setSupportedCameras({});
+        QCOMPARE(supported.count(), 0);
+        model.setSupportedCameras({"A", "B"});
+        model.setSupportedCameras({"A", "B"});
+        QCOMPARE(supported.count(), 1);
+        model.setSupportedCameras({"A", "b"});
+        QCOMPARE(supported.count(), 2);
+    }
+    void eventLoopTurnsDuringASlowSearch()
+    {
+        // The emulated grabber takes two seconds to answer; the GUI thread must keep going.
+        CameraFinderModel model;
+        model.setEnableEmulators(true);
+        model.scan();
+        bool turnedWhileScanning = false;
+        QTimer::singleShot(0, this, [&] { turnedWhileScanning = model.scanning(); });
+        QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
+        QVERIFY(turnedWhileScanning);
+    }
+    void destroyedWhileSearching()
+    {
+        for (int i = 0; i < 20; ++i) {
+            auto* model = new CameraFinderModel;
+            model->setEnableEmulators(i % 5 == 0);
+            model->scan();
+            if (i % 3 == 0)
+                QTest::qWait(1);
+            delete model;
+        }
+        // The searches end on their own, with nobody to tell.
+        QThreadPool::globalInstance()->waitForDone();
+        CameraFinderModel model;
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(serials(model), QStringList{"M-1"});
+    }
+    void loadsADescriptionFile()
+    {
+        QTemporaryDir dir;
+        SCameraInfo record;
+        record.name = "Kelvin640";
+        record.serial = "K-9";
+        QVERIFY(record.Save(kiv::CStringW(dir.filePath("camera.xml").toStdWString().c_str())));
+        std::unique_ptr<CameraInfo> camera(CameraFinderModel::loadCameraInfo(
+            QUrl::fromLocalFile(dir.filePath("camera.xml")).toString()));
+        QVERIFY(camera);
+        QCOMPARE(camera->parent(), nullptr);
+        QCOMPARE(camera->serial(), QStringLiteral("K-9"));
+    }
+    void badFilesGiveNull()
+    {
+        QTemporaryDir dir;
+        QFile bad(dir.filePath("bad.xml"));
+        QVERIFY(bad.open(QIODevice::WriteOnly));
+        bad.write("<camera><width>wide</width></camera>");
+        bad.close();
+        QCOMPARE(CameraFinderModel::loadCameraInfo(QUrl::fromLocalFile(bad.fileName()).toString()),
+            nullptr);
+        QCOMPARE(CameraFinderModel::loadCameraInfo(
+                     QUrl::fromLocalFile(dir.filePath("missing.xml")).toString()),
+            nullptr);
+        QCOMPARE(CameraFinderModel::loadCameraInfo(dir.filePath("plain-path.xml")), nullptr);
+        QCOMPARE(CameraFinderModel::loadCameraInfo(QString()), nullptr);
+    }
+    void loadsFromText()
+    {
+        std::unique_ptr<CameraInfo> camera(CameraFinderModel::loadCameraInfoFromString(
+            "<camera><name>Mistral320</name><identity>Bench \u00b5</identity></camera>"));
+        QVERIFY(camera);
+        QCOMPARE(camera->parent(), nullptr);
+        QCOMPARE(camera->identity(), QStringLiteral("Bench \u00b5"));
+    }
+    void badTextGivesNull_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("not xml") << QStringLiteral("hello");
+        QTest::newRow("truncated") << QStringLiteral("<camera><name>Mis");
+        QTest::newRow("other kind") << QStringLiteral("<world/>");
+    }
+    void badTextGivesNull()
+    {
+        QFETCH(QString, text);
+        QCOMPARE(CameraFinderModel::loadCameraInfoFromString(text), nullptr);
+    }
+};
+
+QTEST_MAIN(tst_CameraFinderModel)
+#include "tst_camerafindermodel.moc"
