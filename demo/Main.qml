@@ -1,0 +1,269 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import kivcamui 1.0
+
+ApplicationWindow {
+    id: window
+    width: 1100
+    height: 680
+    visible: true
+    title: "kivcamui demo"
+    color: "#2F2F37"
+
+    palette.window: "#2F2F37"
+    palette.base: "#26262C"
+    palette.alternateBase: "#34343D"
+    palette.text: "#E8E8EE"
+    palette.windowText: "#E8E8EE"
+    palette.buttonText: "#E8E8EE"
+    palette.button: "#3C3C46"
+    palette.highlight: "#E0822B"
+    palette.highlightedText: "#FFFFFF"
+    palette.placeholderText: "#8C8C99"
+
+    readonly property var camera: cameraList.currentIndex >= 0 ? finder.cameras.at(cameraList.currentIndex) : null
+
+    FontLoader {
+        id: fontAwesome
+        source: iconFontUrl
+    }
+
+    CameraFinderModel {
+        id: finder
+        enableEmulators: true
+        Component.onCompleted: scan()
+        onScanningChanged: {
+            if (!scanning && screenshotFile !== "")
+                shotTimer.start()
+        }
+    }
+
+    // Saves the window once the first search has ended, when asked to on the command line.
+    Timer {
+        id: shotTimer
+        interval: 300
+        onTriggered: {
+            cameraList.currentIndex = 0
+            page.grabToImage(function (result) {
+                result.saveToFile(screenshotFile)
+                Qt.quit()
+            })
+        }
+    }
+
+    ColumnLayout {
+    id: page
+    anchors.fill: parent
+    spacing: 0
+
+    ToolBar {
+        Layout.fillWidth: true
+        background: Rectangle { color: "#26262C" }
+        RowLayout {
+            anchors.fill: parent
+            anchors.leftMargin: 12
+            anchors.rightMargin: 12
+            Label {
+                text: "Cameras"
+                font.pixelSize: 18
+                font.bold: true
+            }
+            Label {
+                text: finder.scanning ? "Scanning..." : finder.cameras.size + " found"
+                color: "#A8A8B4"
+            }
+            Item { Layout.fillWidth: true }
+            CheckBox {
+                text: "Complete cameras only"
+                checked: !finder.commOnly
+                onToggled: finder.commOnly = !checked
+            }
+            Button {
+                text: "Scan"
+                enabled: !finder.scanning
+                onClicked: finder.scan()
+            }
+        }
+    }
+
+    RowLayout {
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        Layout.margins: 12
+        spacing: 12
+
+        ListView {
+            id: cameraList
+            Layout.preferredWidth: 420
+            Layout.fillHeight: true
+            clip: true
+            model: finder.cameras
+            currentIndex: -1
+            spacing: 2
+            delegate: ItemDelegate {
+                id: row
+                required property var model
+                required property int index
+                width: cameraList.width
+                height: 56
+                highlighted: ListView.isCurrentItem
+                onClicked: cameraList.currentIndex = index
+                contentItem: RowLayout {
+                    spacing: 10
+                    Item {
+                        Layout.preferredWidth: 40
+                        Layout.preferredHeight: 40
+                        Image {
+                            anchors.fill: parent
+                            visible: row.model.item.iconExists
+                            source: row.model.item.iconExists ? row.model.item.icon : ""
+                            sourceSize: Qt.size(40, 40)
+                        }
+                        Label {
+                            anchors.centerIn: parent
+                            visible: !row.model.item.iconExists
+                            font.family: fontAwesome.name
+                            font.pixelSize: 28
+                            text: "\uf030"
+                        }
+                    }
+                    ColumnLayout {
+                        Layout.fillWidth: true
+                        spacing: 2
+                        Label {
+                            text: row.model.item.displayName + "  \u2022  " + row.model.item.serial
+                            font.bold: true
+                            elide: Text.ElideRight
+                            Layout.fillWidth: true
+                        }
+                        Label {
+                            text: row.model.item.canConnect
+                                  ? row.model.item.userFriendlyInterfaceName + "  " + row.model.item.comm.deviceName
+                                  : row.model.item.errorSummary
+                            color: row.model.item.canConnect ? "#A8A8B4" : "#FF6B5E"
+                            elide: Text.ElideRight
+                            Layout.fillWidth: true
+                        }
+                    }
+                }
+            }
+        }
+
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            color: "#26262C"
+            radius: 4
+
+            Label {
+                anchors.centerIn: parent
+                visible: !window.camera
+                text: finder.scanning ? "Scanning..." : "No camera selected"
+                color: "#A8A8B4"
+            }
+
+            ColumnLayout {
+                visible: !!window.camera
+                anchors.fill: parent
+                anchors.margins: 16
+                spacing: 10
+
+                Label {
+                    text: window.camera ? window.camera.displayName + " (" + window.camera.model + ")" : ""
+                    font.pixelSize: 18
+                    font.bold: true
+                }
+                Label {
+                    visible: !!window.camera && !window.camera.canConnect
+                    text: window.camera ? window.camera.errorMessage : ""
+                    color: "#FF6B5E"
+                    wrapMode: Text.WordWrap
+                    Layout.fillWidth: true
+                }
+
+                GridLayout {
+                    columns: 4
+                    columnSpacing: 12
+                    rowSpacing: 6
+                    Label { text: "Identity" }
+                    TextField {
+                        text: window.camera ? window.camera.identity : ""
+                        placeholderText: "Name this camera"
+                        onEditingFinished: if (window.camera) window.camera.identity = text
+                        Layout.fillWidth: true
+                    }
+                    Label { text: "Interface" }
+                    Label { text: window.camera ? window.camera.userFriendlyInterfaceName : "" }
+                    Label { text: "Width" }
+                    SpinBox {
+                        from: 1; to: 65535; editable: true
+                        value: window.camera ? window.camera.width : 1
+                        onValueModified: window.camera.width = value
+                    }
+                    Label { text: "Height" }
+                    SpinBox {
+                        from: 1; to: 65535; editable: true
+                        value: window.camera ? window.camera.height : 1
+                        onValueModified: window.camera.height = value
+                    }
+                    Label { text: "Pixel type" }
+                    ComboBox {
+                        model: window.camera ? window.camera.pixelTypeNames : []
+                        currentIndex: window.camera ? window.camera.pixelTypeIndex : -1
+                        onActivated: (index) => window.camera.pixelTypeIndex = index
+                    }
+                    Label { text: "Controller" }
+                    ComboBox {
+                        model: window.camera ? window.camera.controllerNames : []
+                        currentIndex: window.camera ? window.camera.controllerIndex : -1
+                        onActivated: (index) => window.camera.controllerIndex = index
+                    }
+                }
+
+                Label {
+                    text: "Control device: " + (window.camera ? window.camera.comm.interfaceName + " / " + window.camera.comm.deviceName : "")
+                    font.bold: true
+                    Layout.topMargin: 8
+                }
+                ListView {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    clip: true
+                    model: window.camera ? window.camera.comm.parameters : null
+                    delegate: RowLayout {
+                        id: parameterRow
+                        required property var model
+                        width: ListView.view.width
+                        height: 40
+                        Label {
+                            text: parameterRow.model.item.displayName || parameterRow.model.item.name
+                            Layout.preferredWidth: 200
+                            elide: Text.ElideRight
+                        }
+                        Label {
+                            visible: !parameterRow.model.item.isWritable
+                            text: parameterRow.model.item.value
+                            textFormat: Text.PlainText
+                            color: "#A8A8B4"
+                        }
+                        TextField {
+                            visible: parameterRow.model.item.isWritable && !parameterRow.model.item.hasAllowedValues
+                            text: parameterRow.model.item.value
+                            selectByMouse: true
+                            onEditingFinished: parameterRow.model.item.value = text
+                        }
+                        ComboBox {
+                            visible: parameterRow.model.item.isWritable && parameterRow.model.item.hasAllowedValues
+                            model: parameterRow.model.item.allowedValues
+                            currentIndex: parameterRow.model.item.valueIndex
+                            onActivated: (index) => parameterRow.model.item.valueIndex = index
+                        }
+                        Item { Layout.fillWidth: true }
+                    }
+                }
+            }
+        }
+    }
+    }
+}
