@@ -201,6 +201,18 @@ struct SReader {
     }
 };
 
+// Reads into a copy, so that a record is either read whole or left as it was.
+template <typename Record, typename Visit>
+bool readRecord(pugi::xml_node element, Record& record, SError& error, Visit visit)
+{
+    Record read = record;
+    SReader reader{element, error};
+    visit(read, reader);
+    if (reader.ok)
+        record = read;
+    return reader.ok;
+}
+
 } // namespace
 
 void WriteParameters(pugi::xml_node element, const CParameters& parameters)
@@ -291,22 +303,14 @@ bool ReadParameters(pugi::xml_node element, CParameters& parameters, SError& err
 
 bool ReadDevice(pugi::xml_node element, SDeviceInfo& device, SError& error)
 {
-    SDeviceInfo read = device;
-    SReader reader{element, error};
-    visitDevice(read, reader);
-    if (reader.ok)
-        device = read;
-    return reader.ok;
+    return readRecord(element, device, error,
+        [](SDeviceInfo& read, SReader& reader) { visitDevice(read, reader); });
 }
 
 bool ReadCamera(pugi::xml_node element, SCameraInfo& camera, SError& error)
 {
-    SCameraInfo read = camera;
-    SReader reader{element, error};
-    visitCamera(read, reader);
-    if (reader.ok)
-        camera = read;
-    return reader.ok;
+    return readRecord(element, camera, error,
+        [](SCameraInfo& read, SReader& reader) { visitCamera(read, reader); });
 }
 
 int LineOf(pugi::xml_node node, const char* text, std::size_t size)
