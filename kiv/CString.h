@@ -19,6 +19,9 @@ public:
     CString& operator=(const char* text);
 
     const char* c_str() const;
+    // The text, never null: "" for the empty string. For code of the library's own that hands
+    // texts on to C functions; readers of c_str() must still expect null.
+    const char* data() const { return m_text.c_str(); }
     bool empty() const { return m_text.empty(); }
     int length() const { return static_cast<int>(m_text.size()); }
     // 0 for equal texts; otherwise the sign of the first differing byte, compared unsigned.

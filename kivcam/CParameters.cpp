@@ -38,8 +38,7 @@ CParameters::CEntry& CParameters::operator[](const CString& name)
 {
     const int index = IndexOf(name);
     if (index < 0)
-        ThrowOutOfRangeException(
-            "CParameters: no parameter named \"%s\".", name.empty() ? "" : name.c_str());
+        ThrowOutOfRangeException("CParameters: no parameter named \"%s\".", name.data());
     return m_entries[index];
 }
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <string_view>
 #include <type_traits>
 
@@ -29,11 +28,6 @@ constexpr std::array<std::pair<std::string_view, CVariant::EType>, 15> typeNames
     {"guid", CVariant::TYPE_GUID},
     {"enum", CVariant::TYPE_ENUM},
 }};
-
-const char* text(const CString& value)
-{
-    return value.empty() ? "" : value.c_str();
-}
 
 bool fail(SError& error, pugi::xml_node node, std::string reason)
 {
@@ -112,7 +106,7 @@ struct SWriter {
 
     void operator()(const char* name, const CString& value)
     {
-        parent.append_child(name).text().set(text(value));
+        parent.append_child(name).text().set(value.data());
     }
     void operator()(const char* name, const SDeviceInfo& device)
     {
@@ -126,13 +120,13 @@ struct SWriter {
     {
         // Known pixel types are written by name, others by their identifier.
         const CString known = PixelTypeToString(pixelType);
-        parent.append_child(name).text().set(text(known.empty() ? pixelType.ToString() : known));
+        parent.append_child(name).text().set((known.empty() ? pixelType.ToString() : known).data());
     }
     template <typename Number> void operator()(const char* name, const Number& value)
     {
         CVariant number(numberType<Number>());
         number.Assign(CVariant(static_cast<long long>(value)));
-        parent.append_child(name).text().set(text(number.ToString()));
+        parent.append_child(name).text().set(number.ToString().data());
     }
 };
 
@@ -220,19 +214,19 @@ void WriteParameters(pugi::xml_node element, const CParameters& parameters)
     for (unsigned i = 0; i < parameters.count(); ++i) {
         const CParameters::CEntry& entry = parameters[i];
         pugi::xml_node node = element.append_child("parameter");
-        node.append_attribute("name") = text(entry.name);
-        node.append_attribute("displayName") = text(entry.displayName);
-        node.append_attribute("description") = text(entry.description);
+        node.append_attribute("name") = entry.name.data();
+        node.append_attribute("displayName") = entry.displayName.data();
+        node.append_attribute("description") = entry.description.data();
         node.append_attribute("editLevel") = static_cast<int>(entry.editLevel);
         const CVariant& value = entry.value();
         for (const auto& [typeName, type] : typeNames) {
             if (type == value.getType())
                 node.append_attribute("type") = std::string(typeName).c_str();
         }
-        node.append_attribute("value") = text(value.ToString());
+        node.append_attribute("value") = value.ToString().data();
         for (int item = 0; item < value.GetEnumCount(); ++item) {
             pugi::xml_node itemNode = node.append_child("item");
-            itemNode.append_attribute("name") = text(value.GetEnumName(item));
+            itemNode.append_attribute("name") = value.GetEnumName(item).data();
             itemNode.append_attribute("value") = value.GetEnumValue(item);
         }
     }
@@ -313,12 +307,16 @@ bool ReadCamera(pugi::xml_node element, SCameraInfo& camera, SError& error)
         [](SCameraInfo& read, SReader& reader) { visitCamera(read, reader); });
 }
 
-int LineOf(pugi::xml_node node, const char* text, std::size_t size)
+int LineAt(std::ptrdiff_t offset, const char* text, std::size_t size)
 {
-    const std::ptrdiff_t offset = node.offset_debug();
     if (offset < 0 || static_cast<std::size_t>(offset) > size)
         return 0;
     return 1 + static_cast<int>(std::count(text, text + offset, '\n'));
+}
+
+int LineOf(pugi::xml_node node, const char* text, std::size_t size)
+{
+    return LineAt(node.offset_debug(), text, size);
 }
 
 } // namespace kiv::cam::xml

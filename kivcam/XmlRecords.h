@@ -4,6 +4,7 @@
 #include <kivcam/SCameraInfo.h>
 #include <kivcam/SDeviceInfo.h>
 
+#include <cstddef>
 #include <pugixml.hpp>
 #include <string>
 
@@ -28,7 +29,9 @@ bool ReadParameters(pugi::xml_node element, CParameters& parameters, SError& err
 bool ReadDevice(pugi::xml_node element, SDeviceInfo& device, SError& error);
 bool ReadCamera(pugi::xml_node element, SCameraInfo& camera, SError& error);
 
-// The line (from 1) of a node in the text it was parsed from.
+// The line (from 1) of a byte offset into a text, or of a node in the text it was parsed from;
+// 0 when the offset lies outside the text.
+int LineAt(std::ptrdiff_t offset, const char* text, std::size_t size);
 int LineOf(pugi::xml_node node, const char* text, std::size_t size);
 
 } // namespace kiv::cam::xml

@@ -20,15 +20,10 @@ namespace {
 // The longest scan or connect delay a world may ask for, so that no scan blocks for long.
 constexpr int maxDelay = 10000;
 
-const char* cstr(const CString& value)
-{
-    return value.empty() ? "" : value.c_str();
-}
-
 void report(const CString& source, int line, const std::string& reason)
 {
     platform::DebugOutput(
-        cstr(strprintf("kivcam: %s:%d: %s\n", cstr(source), line, reason.c_str())));
+        strprintf("kivcam: %s:%d: %s\n", source.data(), line, reason.c_str()).data());
 }
 
 CString nameOfController(const CEmulatorWorld::SController& controller)
@@ -103,7 +98,7 @@ private:
             return fail(node, std::string("<") + node.name() + "> without a name");
         if (findByName(others, name, nameOf))
             return fail(
-                node, std::string("a second <") + node.name() + "> named \"" + cstr(name) + "\"");
+                node, std::string("a second <") + node.name() + "> named \"" + name.data() + "\"");
         return true;
     }
 
@@ -164,7 +159,7 @@ private:
         if (!readName(node, m_world.m_cameraTypes, nameOfType, type->name))
             return false;
         type->iconName = node.attribute("iconName").value();
-        type->displayName = node.attribute("displayName").as_string(cstr(type->name));
+        type->displayName = node.attribute("displayName").as_string(type->name.data());
         type->controller = node.attribute("controller").value();
         type->description = node.child("description").text().get();
         for (const pugi::xml_node model : node.children("model"))
@@ -189,7 +184,7 @@ private:
         if (!readName(node, m_world.m_interfaces, nameOfInterface, transport->name))
             return false;
         transport->icon = node.attribute("icon").value();
-        transport->displayName = node.attribute("displayName").as_string(cstr(transport->name));
+        transport->displayName = node.attribute("displayName").as_string(transport->name.data());
         transport->baseType = node.attribute("baseType").value();
         transport->description = node.child("description").text().get();
         transport->isEmulator = true;
@@ -210,7 +205,7 @@ private:
                 return fail(deviceNode, "<device> without deviceName");
             if (transport->device(device.info.deviceName))
                 return fail(deviceNode,
-                    std::string("a second device named \"") + cstr(device.info.deviceName) + "\"");
+                    std::string("a second device named \"") + device.info.deviceName.data() + "\"");
             transport->addDevice(device);
         }
         m_world.m_interfaces.add(transport);
@@ -281,8 +276,7 @@ TSharedPtr<const CEmulatorWorld> CEmulatorWorld::Load(
     if (!parsed) {
         const std::ptrdiff_t offset
             = std::clamp<std::ptrdiff_t>(parsed.offset, 0, static_cast<std::ptrdiff_t>(size));
-        report(source, 1 + static_cast<int>(std::count(text, text + offset, '\n')),
-            parsed.description());
+        report(source, xml::LineAt(offset, text, size), parsed.description());
         return MakeShared<CEmulatorWorld>();
     }
     const TSharedPtr<CEmulatorWorld> world = MakeShared<CEmulatorWorld>();

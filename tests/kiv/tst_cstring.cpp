@@ -15,6 +15,14 @@ private slots:
         QVERIFY(CString(nullptr, -1).c_str() == nullptr);
         QVERIFY(CString().empty());
     }
+    void dataIsNeverNull()
+    {
+        QVERIFY(CString().data() != nullptr);
+        QCOMPARE(QByteArray(CString().data()), QByteArray(""));
+        QCOMPARE(QByteArray(CString("lens").data()), QByteArray("lens"));
+        const CString text("lens");
+        QCOMPARE(text.data(), text.c_str());
+    }
     void lengthMinusOneReadsToZero()
     {
         const CString text("camera", -1);

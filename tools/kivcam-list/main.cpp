@@ -16,11 +16,6 @@ using namespace kiv::cam;
 
 namespace {
 
-const char* s(const CString& text)
-{
-    return text.empty() ? "" : text.c_str();
-}
-
 CString joined(const TArray<CString>& items)
 {
     CString text;
@@ -34,9 +29,9 @@ void printReasons(
 {
     if (canConnect)
         return;
-    std::printf("%scannot connect: %s\n", indent, s(summary));
+    std::printf("%scannot connect: %s\n", indent, summary.data());
     if (!message.empty())
-        std::printf("%s  %s\n", indent, s(message));
+        std::printf("%s  %s\n", indent, message.data());
 }
 
 void printParameters(const char* indent, const CParameters& parameters)
@@ -46,18 +41,18 @@ void printParameters(const char* indent, const CParameters& parameters)
         CString choices;
         for (int item = 0; item < entry.value().GetEnumCount(); ++item)
             choices += (item ? CString("|") : CString(" of ")) + entry.value().GetEnumName(item);
-        std::printf("%s%s = %s%s  (\"%s\", edit level %d)\n", indent, s(entry.name),
-            s(entry.value().ToString()), s(choices), s(entry.displayName),
+        std::printf("%s%s = %s%s  (\"%s\", edit level %d)\n", indent, entry.name.data(),
+            entry.value().ToString().data(), choices.data(), entry.displayName.data(),
             static_cast<int>(entry.editLevel));
     }
 }
 
 void printDevice(const SDeviceInfo& device)
 {
-    std::printf("    %s / %s  [base type %s, icon %s]\n", s(device.interfaceName),
-        s(device.deviceName), s(device.baseType), s(device.iconName));
+    std::printf("    %s / %s  [base type %s, icon %s]\n", device.interfaceName.data(),
+        device.deviceName.data(), device.baseType.data(), device.iconName.data());
     if (!device.description.empty())
-        std::printf("      %s\n", s(device.description));
+        std::printf("      %s\n", device.description.data());
     printParameters("      ", device.parameters);
     printReasons("      ", device.canConnect, device.errorSummary, device.errorMessage);
 }
@@ -69,13 +64,13 @@ void printCameraTypes()
     for (int i = 0; i < catalogue->cameraCount(); ++i) {
         const TSharedPtr<ICamera> type = catalogue->cameraAt(i);
         const SCameraInfo& info = type->defaultInfo;
-        std::printf("    %s  \"%s\"  family %s, controller %s\n", s(type->name),
-            s(type->displayName), s(type->iconName), s(type->controller));
-        std::printf("      models: %s\n", s(joined(type->models)));
-        std::printf("      base types: %s\n", s(joined(type->baseTypes)));
+        std::printf("    %s  \"%s\"  family %s, controller %s\n", type->name.data(),
+            type->displayName.data(), type->iconName.data(), type->controller.data());
+        std::printf("      models: %s\n", joined(type->models).data());
+        std::printf("      base types: %s\n", joined(type->baseTypes).data());
         std::printf("      %ux%u %s, %d bits, vendor %s\n", unsigned{info.width},
-            unsigned{info.height}, s(PixelTypeToString(info.pixelType)), info.adBits,
-            s(info.vendor));
+            unsigned{info.height}, PixelTypeToString(info.pixelType).data(), info.adBits,
+            info.vendor.data());
     }
 }
 
@@ -85,7 +80,7 @@ void printControllers()
     controllerFactory()->getControllerNames(names);
     std::printf("\nControllers (%d)\n", names.count());
     for (const CString& name : names)
-        std::printf("    %s\n", s(name));
+        std::printf("    %s\n", name.data());
 }
 
 void printInterfaces()
@@ -94,8 +89,8 @@ void printInterfaces()
     std::printf("\nInterfaces (%d)\n", catalogue->interfaceCount());
     for (int i = 0; i < catalogue->interfaceCount(); ++i) {
         const TSharedPtr<IInterface> transport = catalogue->interfaceAt(i);
-        std::printf("    %s  \"%s\"  icon %s, base type %s%s%s%s\n", s(transport->name),
-            s(transport->displayName), s(transport->icon), s(transport->baseType),
+        std::printf("    %s  \"%s\"  icon %s, base type %s%s%s%s\n", transport->name.data(),
+            transport->displayName.data(), transport->icon.data(), transport->baseType.data(),
             transport->comm ? ", control" : "", transport->video ? ", video" : "",
             transport->isEmulator ? ", emulator" : "");
         std::printf("      default device:\n");
@@ -120,16 +115,16 @@ void printCameras()
         ok ? "" : "  -- a transport's scan failed");
     for (std::uint64_t i = 0; i < finder.size(); ++i) {
         const SCameraInfo camera = finder.at(i);
-        std::printf("    %s %s  \"%s\"  model %s, controller %s%s\n", s(camera.name),
-            s(camera.serial), s(camera.displayName), s(camera.model), s(camera.controller),
-            camera.emulated ? ", emulated" : "");
-        std::printf(
-            "      control: %s / %s\n", s(camera.comm.interfaceName), s(camera.comm.deviceName));
+        std::printf("    %s %s  \"%s\"  model %s, controller %s%s\n", camera.name.data(),
+            camera.serial.data(), camera.displayName.data(), camera.model.data(),
+            camera.controller.data(), camera.emulated ? ", emulated" : "");
+        std::printf("      control: %s / %s\n", camera.comm.interfaceName.data(),
+            camera.comm.deviceName.data());
         if (camera.video.empty())
             std::printf("      video: none (control only)\n");
         else
-            std::printf("      video: %s / %s\n", s(camera.video.interfaceName),
-                s(camera.video.deviceName));
+            std::printf("      video: %s / %s\n", camera.video.interfaceName.data(),
+                camera.video.deviceName.data());
         printReasons("      ", camera.canConnect, camera.errorSummary, camera.errorMessage);
     }
 }
