@@ -104,23 +104,9 @@ CameraModel* CameraInfo::camera()
     return m_camera;
 }
 
-void CameraInfo::setWidth(ushort width)
-{
-    if (width == m_info.width)
-        return;
-    m_info.width = width;
-    emit widthChanged();
-}
-
-void CameraInfo::setHeight(ushort height)
-{
-    if (height == m_info.height)
-        return;
-    m_info.height = height;
-    emit heightChanged();
-}
-
-void CameraInfo::setCrop(std::uint32_t& field, ushort value, void (CameraInfo::*changed)())
+// Compares, stores and announces; a 16-bit crop is compared and stored widened to its field.
+template <typename Field, typename Value>
+void CameraInfo::update(Field& field, Value value, void (CameraInfo::*changed)())
 {
     if (field == value)
         return;
@@ -128,24 +114,34 @@ void CameraInfo::setCrop(std::uint32_t& field, ushort value, void (CameraInfo::*
     emit(this->*changed)();
 }
 
+void CameraInfo::setWidth(ushort width)
+{
+    update(m_info.width, width, &CameraInfo::widthChanged);
+}
+
+void CameraInfo::setHeight(ushort height)
+{
+    update(m_info.height, height, &CameraInfo::heightChanged);
+}
+
 void CameraInfo::setCropLeft(ushort crop)
 {
-    setCrop(m_info.cropLeft, crop, &CameraInfo::cropLeftChanged);
+    update(m_info.cropLeft, crop, &CameraInfo::cropLeftChanged);
 }
 
 void CameraInfo::setCropTop(ushort crop)
 {
-    setCrop(m_info.cropTop, crop, &CameraInfo::cropTopChanged);
+    update(m_info.cropTop, crop, &CameraInfo::cropTopChanged);
 }
 
 void CameraInfo::setCropRight(ushort crop)
 {
-    setCrop(m_info.cropRight, crop, &CameraInfo::cropRightChanged);
+    update(m_info.cropRight, crop, &CameraInfo::cropRightChanged);
 }
 
 void CameraInfo::setCropBottom(ushort crop)
 {
-    setCrop(m_info.cropBottom, crop, &CameraInfo::cropBottomChanged);
+    update(m_info.cropBottom, crop, &CameraInfo::cropBottomChanged);
 }
 
 void CameraInfo::setADBits(int bits)
@@ -159,10 +155,7 @@ void CameraInfo::setADBits(int bits)
 
 void CameraInfo::setADBitShift(int shift)
 {
-    if (shift == m_info.adBitShift)
-        return;
-    m_info.adBitShift = shift;
-    emit adBitShiftChanged();
+    update(m_info.adBitShift, shift, &CameraInfo::adBitShiftChanged);
 }
 
 QString CameraInfo::pixelTypeName() const

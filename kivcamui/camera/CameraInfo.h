@@ -122,7 +122,8 @@ signals:
 
 private:
     QString generateUserFriendlyInterfaceName(DeviceInfo* device);
-    void setCrop(std::uint32_t& field, ushort value, void (CameraInfo::*changed)());
+    template <typename Field, typename Value>
+    void update(Field& field, Value value, void (CameraInfo::*changed)());
 
     SCameraInfo m_info;
     DeviceInfo m_comm;
