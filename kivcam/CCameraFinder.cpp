@@ -12,13 +12,6 @@ namespace {
 
 std::atomic<bool> emulatorsEnabled{false};
 
-bool controllerExists(const CString& name)
-{
-    TArray<CString> names;
-    controllerFactory()->getControllerNames(names);
-    return names.contains(name);
-}
-
 void refuse(SCameraInfo& camera, CString summary, CString message)
 {
     camera.canConnect = false;
@@ -28,7 +21,7 @@ void refuse(SCameraInfo& camera, CString summary, CString message)
 
 // Tells, in the record, whether a found camera can be connected as it is: its transport's
 // verdict first, then its devices, its camera type and its controller.
-void judge(SCameraInfo& camera)
+void judge(SCameraInfo& camera, const TArray<CString>& controllers)
 {
     if (!camera.canConnect)
         return;
@@ -50,7 +43,7 @@ void judge(SCameraInfo& camera)
     }
     if (camera.controller.empty())
         camera.controller = type->controller;
-    if (!controllerExists(camera.controller)) {
+    if (!controllers.contains(camera.controller)) {
         refuse(camera, "No controller",
             CString("No controller named \"") + camera.controller
                 + "\" is installed for this camera.");
@@ -64,11 +57,13 @@ bool CCameraFinder::Find(unsigned flags)
     TArray<SCameraInfo> found;
     const bool ok = ScanInterfaces(*interfaces(), emulatorsEnabled.load(),
         (flags & FIND_EMULATORS_ONLY) != 0, &IInterface::findCameras, found);
+    TArray<CString> controllers;
+    controllerFactory()->getControllerNames(controllers);
     m_cameras.clear();
     for (SCameraInfo& camera : found) {
         if ((flags & FIND_COMPLETE) && camera.video.empty())
             continue;
-        judge(camera);
+        judge(camera, controllers);
         m_cameras.add(std::move(camera));
     }
     return ok;
