@@ -1,0 +1,20 @@
+#pragma once
+
+#include <kiv/TArray.h>
+#include <kivcamui/plugin/IControllerModelFactory.h>
+
+namespace kiv::cam::ui {
+
+// The registry behind controllerModelFactory(): the creators in registration order. It only
+// grows; nothing is ever unregistered.
+class CControllerModelFactoryImpl : public IControllerModelFactory {
+public:
+    bool CreateModel(TSharedPtr<IController> controller, QObject* parent, QObject** model,
+        QString* qml) override;
+    bool RegisterCreator(ControllerModelCreator creator) override;
+
+private:
+    TArray<ControllerModelCreator> m_creators;
+};
+
+} // namespace kiv::cam::ui
