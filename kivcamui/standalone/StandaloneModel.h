@@ -23,8 +23,9 @@ namespace kiv::cam::ui {
 // controller to the open device. disconnect() is synchronous. The selected controller and its
 // panel outlive a disconnect.
 //
-// A model destroyed, or given another controller, while a phase runs leaves that connect to its
-// task: whichever of the two lets go last takes the camera down and closes the device.
+// Nobody waits for a running phase. A model destroyed meanwhile leaves the connect to its task,
+// which takes the camera down and closes the device when it ends; a connect whose controller was
+// replaced (controllerName changed) while it connected is taken down again, and fails.
 class KIVCAMUI_EXPORT StandaloneModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QObject* cameraModel READ cameraModel NOTIFY controllerChanged)
