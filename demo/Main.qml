@@ -29,22 +29,50 @@ ApplicationWindow {
         source: iconFontUrl
     }
 
-    CameraFinderModel {
-        id: finder
-        enableEmulators: true
-        Component.onCompleted: scan()
-        onScanningChanged: {
-            if (!scanning && screenshotFile !== "")
+    // Connects the chosen camera; its camera finder lists the cameras.
+    StandaloneModel {
+        id: standalone
+        onConnectedChanged: {
+            if (connected)
+                panel.setSource(controllerQml, { "cameraModel": cameraModel })
+            else
+                panel.source = ""
+        }
+        onConnectingChanged: {
+            if (!connecting && screenshotFile !== "")
                 shotTimer.start()
         }
     }
+    readonly property CameraFinderModel finder: standalone.cameraFinder
 
-    // Saves the window once the first search has ended, when asked to on the command line.
+    Component.onCompleted: {
+        finder.enableEmulators = true
+        finder.scan()
+    }
+
+    // With --screenshot: once the first search has ended, connects the first camera that can
+    // connect, and saves the window when the connect has ended.
+    Connections {
+        target: finder
+        enabled: screenshotFile !== ""
+        function onScanningChanged() {
+            if (finder.scanning)
+                return
+            for (let i = 0; i < finder.cameras.size; ++i) {
+                if (finder.cameras.at(i).canConnect) {
+                    cameraList.currentIndex = i
+                    standalone.connect(finder.cameras.at(i))
+                    return
+                }
+            }
+            cameraList.currentIndex = 0
+            shotTimer.start()
+        }
+    }
     Timer {
         id: shotTimer
-        interval: 300
+        interval: 1000
         onTriggered: {
-            cameraList.currentIndex = 0
             page.grabToImage(function (result) {
                 result.saveToFile(screenshotFile)
                 Qt.quit()
@@ -169,10 +197,34 @@ ApplicationWindow {
                 anchors.margins: 16
                 spacing: 10
 
-                Label {
-                    text: window.camera ? window.camera.displayName + " (" + window.camera.model + ")" : ""
-                    font.pixelSize: 18
-                    font.bold: true
+                RowLayout {
+                    Layout.fillWidth: true
+                    spacing: 10
+                    Label {
+                        text: window.camera ? window.camera.displayName + " (" + window.camera.model + ")" : ""
+                        font.pixelSize: 18
+                        font.bold: true
+                        elide: Text.ElideRight
+                        Layout.fillWidth: true
+                    }
+                    Label {
+                        text: standalone.connecting ? "Connecting..."
+                            : standalone.disconnecting ? "Disconnecting..."
+                            : standalone.connected ? "Connected (" + standalone.controllerName + ")"
+                            : "Not connected"
+                        color: standalone.connected ? "#7FD47F" : "#A8A8B4"
+                    }
+                    Button {
+                        text: "Connect"
+                        enabled: !!window.camera && window.camera.canConnect
+                                 && !standalone.connecting && !standalone.disconnecting
+                        onClicked: standalone.connect(window.camera)
+                    }
+                    Button {
+                        text: "Disconnect"
+                        enabled: standalone.connected && !standalone.disconnecting
+                        onClicked: standalone.disconnect()
+                    }
                 }
                 Label {
                     visible: !!window.camera && !window.camera.canConnect
@@ -222,11 +274,26 @@ ApplicationWindow {
                 }
 
                 Label {
+                    visible: !standalone.connected
                     text: "Control device: " + (window.camera ? window.camera.comm.interfaceName + " / " + window.camera.comm.deviceName : "")
                     font.bold: true
                     Layout.topMargin: 8
                 }
+                // The controller panel of the connected camera, from its controller UI plugin.
+                Loader {
+                    id: panel
+                    visible: standalone.connected
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    Label {
+                        anchors.centerIn: parent
+                        visible: panel.status !== Loader.Ready
+                        text: "No controller panel for " + standalone.controllerName
+                        color: "#A8A8B4"
+                    }
+                }
                 ListView {
+                    visible: !standalone.connected
                     Layout.fillWidth: true
                     Layout.fillHeight: true
                     clip: true

@@ -9,8 +9,9 @@ bool CControllerModelFactoryImpl::CreateModel(
 {
     // Each creator gets a reference of its own; ours goes when this returns, in every case.
     const TSharedPtr<IController> own = std::move(controller);
-    for (const ControllerModelCreator creator : m_creators) {
-        if (creator(own, parent, model, qml))
+    // By index: a creator may register another creator while it is being asked.
+    for (int i = 0; i < m_creators.count(); ++i) {
+        if (m_creators[i](own, parent, model, qml))
             return true;
     }
     return false;
@@ -18,7 +19,7 @@ bool CControllerModelFactoryImpl::CreateModel(
 
 bool CControllerModelFactoryImpl::RegisterCreator(ControllerModelCreator creator)
 {
-    if (m_creators.contains(creator))
+    if (!creator || m_creators.contains(creator))
         return false;
     m_creators.add(creator);
     return true;

@@ -7,7 +7,7 @@ namespace kiv::cam::ui {
 
 // The registry behind controllerModelFactory(): the creators in registration order. It only
 // grows; nothing is ever unregistered.
-class CControllerModelFactoryImpl : public IControllerModelFactory {
+class KIVCAMUI_EXPORT CControllerModelFactoryImpl : public IControllerModelFactory {
 public:
     bool CreateModel(TSharedPtr<IController> controller, QObject* parent, QObject** model,
         QString* qml) override;

@@ -31,7 +31,7 @@ public:
     virtual bool CreateModel(
         TSharedPtr<IController> controller, QObject* parent, QObject** model, QString* qml)
         = 0;
-    // Adds a creator; false, changing nothing, when it is registered already.
+    // Adds a creator; false, changing nothing, when it is registered already or null.
     virtual bool RegisterCreator(ControllerModelCreator creator) = 0;
 };
 

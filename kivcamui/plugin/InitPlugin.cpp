@@ -4,6 +4,7 @@
 #include <kivcamui/camera/CameraInfo.h>
 #include <kivcamui/custom/CameraModel.h>
 #include <kivcamui/device/DeviceInfo.h>
+#include <kivcamui/standalone/StandaloneModel.h>
 #include <kivui/InitPlugin.h>
 
 #include <QtCore/qresource.h>
@@ -18,6 +19,7 @@ void kivcamuiInitPlugin()
     // The types in their fixed order; the reason texts are what QML reports when it is asked to
     // create an uncreatable one (DeviceInfo's names CameraInfo on purpose).
     using namespace kiv::cam::ui;
+    qmlRegisterType<StandaloneModel>("kivcamui", 1, 0, "StandaloneModel");
     qmlRegisterType<CameraFinderModel>("kivcamui", 1, 0, "CameraFinderModel");
     qmlRegisterUncreatableType<CameraInfo>(
         "kivcamui", 1, 0, "CameraInfo", "Can only create CameraInfo from CameraFinderModel");

@@ -1,8 +1,12 @@
 // Runs the Qt Quick tests of the kivcamui module (qml/tst_*.qml) over the documented example
-// world, with a fixture that hands QML the objects the library's models would make.
+// world, with a fixture that hands QML the objects the library's models would make. No controller
+// UI plugin is loaded; a creator of the test's own gives the "Thermal" controller a plain
+// ControllerModel and the panel data/ControllerPanel.qml.
 
 #include <kivcam/CCameras.h>
 #include <kivcamui/camera/CameraInfo.h>
+#include <kivcamui/plugin/ControllerModel.h>
+#include <kivcamui/plugin/IControllerModelFactory.h>
 #include <kivcamui/plugin/InitPlugin.h>
 
 #include <QQmlContext>
@@ -46,11 +50,30 @@ public:
     Q_INVOKABLE int recordWidth(kiv::cam::ui::CameraInfo* camera) { return camera->info().width; }
 };
 
+namespace {
+
+bool createPanel(kiv::TSharedPtr<kiv::cam::IController> controller, QObject* parent,
+    QObject** model, QString* qml)
+{
+    if (!controller || controller->name() != kiv::CString("Thermal"))
+        return false;
+    *model = new ControllerModel(parent);
+    *qml = QUrl::fromLocalFile(KIVCAMUI_TEST_DATA "/ControllerPanel.qml").toString();
+    return true;
+}
+
+} // namespace
+
 class Setup : public QObject {
     Q_OBJECT
 
 public slots:
-    void applicationAvailable() { kivcamuiInitPlugin(); }
+    void applicationAvailable()
+    {
+        kivcamuiInitPlugin();
+        qputenv("KIVCAMUI_WHITELIST", "no-plugins-in-this-test");
+        kiv::cam::ui::controllerModelFactory()->RegisterCreator(createPanel);
+    }
     void qmlEngineAvailable(QQmlEngine* engine)
     {
         engine->rootContext()->setContextProperty("fixture", new Fixture(engine));

@@ -4,6 +4,7 @@
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QTest>
+#include <QtQml/qqml.h>
 
 namespace {
 
@@ -47,6 +48,25 @@ private slots:
         QQmlEngine engine;
         const QString errors = qmlErrors(engine, "import kivcamui 2.0\nimport QtQml\nQtObject {}");
         QVERIFY2(errors.contains("kivcamui"), qPrintable(errors));
+    }
+    void typesAreRegisteredInTheirOrder()
+    {
+        // Type ids are handed out in registration order.
+        int previous = -1;
+        for (const char* name :
+            {"StandaloneModel", "CameraFinderModel", "CameraInfo", "DeviceInfo", "CameraModel"}) {
+            const int id = qmlTypeId("kivcamui", 1, 0, name);
+            QVERIFY2(id > previous, name);
+            previous = id;
+        }
+    }
+    void creatableTypesCanBeCreated()
+    {
+        QQmlEngine engine;
+        for (const char* type : {"StandaloneModel", "CameraFinderModel"}) {
+            QCOMPARE(
+                qmlErrors(engine, QByteArray("import kivcamui 1.0\n") + type + " {}"), QString());
+        }
     }
     void initialisesTheUiLibrary()
     {

@@ -1,0 +1,228 @@
+#include "StandaloneModel.h"
+
+#include <kivcam/CCameras.h>
+#include <kivcam/CControllerFactory.h>
+#include <kivcam/CInterfaces.h>
+#include <kivcamui/plugin/Conversions.h>
+#include <kivcamui/plugin/IControllerModelFactory.h>
+
+#include <QStandardPaths>
+#include <QThreadPool>
+#include <QUrl>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <utility>
+
+namespace kiv::cam::ui {
+
+// One connect, shared between the model and the task of its current phase. The device the first
+// phase opens, and the connection the second phase makes, belong to the attempt until the model
+// takes them over at the end of a successful connect. An attempt given up before that - its
+// model destroyed, or the model's controller changed while the controller connected - takes the
+// camera down and closes the device when its last share goes, on whichever thread that is.
+struct StandaloneModel::SConnectAttempt {
+    explicit SConnectAttempt(const SCameraInfo& record) : camera(record) { }
+    ~SConnectAttempt() { Abandon(); }
+    SConnectAttempt(const SConnectAttempt&) = delete;
+    SConnectAttempt& operator=(const SConnectAttempt&) = delete;
+
+    // First phase: the transport of the camera's control device makes a device object, which
+    // opens the device of the record.
+    bool OpenDevice()
+    {
+        const TSharedPtr<IInterface> transport
+            = interfaces()->interfaceByName(camera.comm.interfaceName);
+        if (!transport)
+            return false;
+        device = transport->createDevice();
+        if (!device)
+            return false;
+        if (device->open(camera.comm, true))
+            return true;
+        device.reset();
+        return false;
+    }
+
+    // Second phase: the controller brings the camera up through the open device.
+    bool ConnectController()
+    {
+        connected = controller->connect(device, camera);
+        if (connected)
+            return true;
+        device->close();
+        device.reset();
+        return false;
+    }
+
+    // The open device of a camera now connected, for the model to keep.
+    TSharedPtr<IDevice> TakeDevice()
+    {
+        connected = false;
+        return std::exchange(device, {});
+    }
+
+    void Abandon()
+    {
+        if (std::exchange(connected, false))
+            controller->disconnect();
+        if (device) {
+            device->close();
+            device.reset();
+        }
+    }
+
+    const SCameraInfo camera;
+    // The controller the second phase connects, set before that phase starts.
+    TSharedPtr<IController> controller;
+    TSharedPtr<IDevice> device;
+    bool connected = false;
+};
+
+StandaloneModel::StandaloneModel(QObject* parent)
+    : QObject(parent), m_cameraFinder(new CameraFinderModel(this))
+{
+    TArray<CString> names;
+    cameras()->cameraTypeNames(names);
+    for (const CString& name : names) {
+        m_controllerNames.append(toQString(name));
+        const TSharedPtr<ICamera> type = cameras()->cameraByName(name);
+        m_controllerDisplayNames.append(type ? toQString(type->displayName) : QString());
+    }
+
+    QObject::connect(&m_connectWatcher, &QFutureWatcher<bool>::finished, this,
+        &StandaloneModel::finishedConnectWatcher);
+    QObject::connect(&m_connectWatcher2, &QFutureWatcher<bool>::finished, this,
+        &StandaloneModel::finishedConnectWatcher2);
+    QObject::connect(&m_disconnectWatcher, &QFutureWatcher<bool>::finished, this,
+        &StandaloneModel::finishedDisconnectWatcher);
+}
+
+// A connect still running keeps its attempt; the task lets go of it when its phase ends, and
+// nobody waits for that.
+StandaloneModel::~StandaloneModel()
+{
+    disconnect();
+}
+
+void StandaloneModel::setControllerName(const QString& name)
+{
+    if (name == m_controllerName)
+        return;
+    delete m_cameraModel;
+    m_cameraModel = nullptr;
+    const TSharedPtr<ICamera> type = cameras()->cameraByName(toCString(name));
+    if (!type)
+        return;
+    m_controllerName = name;
+    m_controller = controllerFactory()->createController(type->controller);
+    // When no creator accepts the controller, the model stays null and the QML file keeps its
+    // text. The first call here is what loads the controller UI plugins.
+    controllerModelFactory()->CreateModel(m_controller, this, &m_cameraModel, &m_controllerQml);
+    emit controllerChanged();
+}
+
+int StandaloneModel::controllerIndex() const
+{
+    return m_controllerNames.indexOf(m_controllerName);
+}
+
+void StandaloneModel::setControllerIndex(int index)
+{
+    if (index < 0 || index >= m_controllerNames.size() || index == controllerIndex())
+        return;
+    setControllerName(m_controllerNames.at(index));
+}
+
+void StandaloneModel::setCanSelectController(bool canSelect)
+{
+    if (canSelect == m_canSelectController)
+        return;
+    m_canSelectController = canSelect;
+    emit canSelectControllerChanged();
+}
+
+QString StandaloneModel::configDir() const
+{
+    return QUrl::fromLocalFile(
+        QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation))
+        .toString();
+}
+
+void StandaloneModel::connect(CameraInfo* camera)
+{
+    if (!camera || m_connecting || m_disconnecting)
+        return;
+    disconnect();
+    m_connecting = true;
+    emit connectingChanged();
+    m_attempt = std::make_shared<SConnectAttempt>(camera->info());
+    m_connectWatcher.setFuture(QtConcurrent::run(
+        QThreadPool::globalInstance(), [attempt = m_attempt] { return attempt->OpenDevice(); }));
+}
+
+void StandaloneModel::finishedConnectWatcher()
+{
+    if (!m_connectWatcher.result()) {
+        m_attempt.reset();
+        endConnecting(false);
+        return;
+    }
+    setControllerName(toQString(m_attempt->camera.name));
+    if (!m_controller) {
+        m_attempt->Abandon();
+        m_attempt.reset();
+        endConnecting(false);
+        return;
+    }
+    m_attempt->controller = m_controller;
+    m_connectWatcher2.setFuture(QtConcurrent::run(QThreadPool::globalInstance(),
+        [attempt = m_attempt] { return attempt->ConnectController(); }));
+}
+
+void StandaloneModel::finishedConnectWatcher2()
+{
+    const std::shared_ptr<SConnectAttempt> attempt = std::exchange(m_attempt, nullptr);
+    bool connected = m_connectWatcher2.result();
+    // A controller selected while this one connected is not connected; this one goes down again.
+    if (connected && attempt->controller.get() != m_controller.get()) {
+        attempt->Abandon();
+        connected = false;
+    }
+    if (connected)
+        m_device = attempt->TakeDevice();
+    endConnecting(connected);
+}
+
+// Disconnecting is synchronous; this watcher is never given a task.
+void StandaloneModel::finishedDisconnectWatcher()
+{
+}
+
+void StandaloneModel::endConnecting(bool connected)
+{
+    if (connected != m_connected) {
+        m_connected = connected;
+        emit connectedChanged();
+    }
+    m_connecting = false;
+    emit connectingChanged();
+}
+
+void StandaloneModel::disconnect()
+{
+    if (m_connecting || m_disconnecting || !m_connected)
+        return;
+    m_disconnecting = true;
+    emit disconnectingChanged();
+    if (m_controller)
+        m_controller->disconnect();
+    if (m_device)
+        m_device->close();
+    m_device.reset();
+    m_connected = false;
+    emit connectedChanged();
+    m_disconnecting = false;
+    emit disconnectingChanged();
+}
+
+} // namespace kiv::cam::ui
