@@ -23,6 +23,8 @@ Popup {
     background: Rectangle {
         color: "#2F2F37"
     }
+    // Light text on the popup's own dark background, whatever the host's theme.
+    palette.windowText: "#E8E8EE"
 
     // Computed rather than laid out, so that the host can place the popup before it opens.
     height: cameraFinder
