@@ -1,7 +1,6 @@
 #include "InitPlugin.h"
 
 #include "DialogButtonBoxHelper.h"
-#include "ObjectListModel.h"
 
 #include <QtQml/qqml.h>
 
@@ -9,6 +8,4 @@ void kivuiInitPlugin()
 {
     qmlRegisterUncreatableType<DialogButtonBoxHelper>("kivui", 1, 0, "DialogButtonBoxHelper",
         "DialogButtonBoxHelper is only available as an attached property");
-    qmlRegisterUncreatableType<ObjectListModel>(
-        "kivui", 1, 0, "ObjectListModel", "ObjectListModel is made by the models");
 }

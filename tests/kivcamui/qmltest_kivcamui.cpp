@@ -1,7 +1,8 @@
-// Runs the Qt Quick tests of the kivcamui module (qml/tst_*.qml) over the documented example
-// world, with a fixture that hands QML the objects the library's models would make. No controller
-// UI plugin is loaded; a creator of the test's own gives the "Thermal" controller a plain
-// ControllerModel and the panel data/ControllerPanel.qml.
+// Runs the Qt Quick tests of the kivcamui module over an emulated world (each runner of this
+// source names its own folder and world), with a fixture that hands QML the objects the
+// library's models would make and a few file helpers. No controller UI plugin is loaded; a
+// creator of the test's own gives the "Thermal" controller a plain ControllerModel and the panel
+// data/ControllerPanel.qml.
 
 #include <kivcam/CCameras.h>
 #include <kivcamui/camera/CameraInfo.h>
@@ -9,9 +10,15 @@
 #include <kivcamui/plugin/IControllerModelFactory.h>
 #include <kivcamui/plugin/InitPlugin.h>
 
+#include <QFile>
 #include <QQmlContext>
 #include <QQmlEngine>
+#include <QTemporaryDir>
+#include <QUrl>
 #include <QtQuickTest>
+
+#include <memory>
+#include <vector>
 
 class Fixture : public QObject {
     Q_OBJECT
@@ -48,6 +55,25 @@ public:
                                      .c_str());
     }
     Q_INVOKABLE int recordWidth(kiv::cam::ui::CameraInfo* camera) { return camera->info().width; }
+
+    // A new empty folder, as a file URL; removed when the fixture goes.
+    Q_INVOKABLE QString tempDirUrl()
+    {
+        m_folders.push_back(std::make_unique<QTemporaryDir>());
+        return QUrl::fromLocalFile(m_folders.back()->path()).toString();
+    }
+    Q_INVOKABLE bool fileExists(const QString& url)
+    {
+        return QFile::exists(QUrl(url).toLocalFile());
+    }
+    Q_INVOKABLE QString fileText(const QString& url)
+    {
+        QFile file(QUrl(url).toLocalFile());
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
+
+private:
+    std::vector<std::unique_ptr<QTemporaryDir>> m_folders;
 };
 
 namespace {

@@ -1,8 +1,10 @@
 #include <kivcamui/plugin/InitPlugin.h>
 
+#include <QDir>
 #include <QFile>
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <QResource>
 #include <QTest>
 #include <QtQml/qqml.h>
 
@@ -26,11 +28,36 @@ private slots:
     // Runs first: nothing has called kivcamuiInitPlugin yet.
     void resourcesAreThereBeforeTheCall()
     {
-        QVERIFY(QFile::exists(":/kivcamui/images/wspreview.png"));
-        QVERIFY(QFile::exists(":/data/images/CameraLink.png"));
-        QFile preview(":/kivcamui/images/wspreview.png");
-        QVERIFY(preview.open(QIODevice::ReadOnly));
-        QVERIFY(preview.read(8).startsWith("\x89PNG"));
+        QFile popup(":/kivcamui/controls/CameraFinderPopup.qml");
+        QVERIFY(popup.open(QIODevice::ReadOnly));
+        QVERIFY(popup.readAll().contains("\nPopup {"));
+    }
+    // The QML components stored zlib-compressed, the pictures as they are, and nothing else.
+    void resourceTree()
+    {
+        QCOMPARE(QDir(":/kivcamui").entryList(), QStringList({"controls", "dialogs", "images"}));
+        const QStringList components{":/kivcamui/controls/CameraFinderPopup.qml",
+            ":/kivcamui/dialogs/CameraFinderDialog.qml"};
+        QCOMPARE(QDir(":/kivcamui/controls").entryList(), QStringList({"CameraFinderPopup.qml"}));
+        QCOMPARE(QDir(":/kivcamui/dialogs").entryList(), QStringList({"CameraFinderDialog.qml"}));
+        QCOMPARE(QDir(":/kivcamui/images").entryList(), QStringList({"wspreview.png"}));
+        for (const QString& path : components) {
+            const QResource resource(path);
+            QVERIFY2(resource.isValid(), qPrintable(path));
+            QCOMPARE(resource.compressionAlgorithm(), QResource::ZlibCompression);
+        }
+
+        const QStringList pictures = QDir(":/data/images").entryList();
+        QCOMPARE(pictures.size(), 7 + 20);
+        QVERIFY(!pictures.contains("Custom.png"));
+        QStringList paths{":/kivcamui/images/wspreview.png"};
+        for (const QString& picture : pictures)
+            paths << ":/data/images/" + picture;
+        for (const QString& path : std::as_const(paths)) {
+            const QResource resource(path);
+            QVERIFY2(resource.isValid(), qPrintable(path));
+            QCOMPARE(resource.compressionAlgorithm(), QResource::NoCompression);
+        }
     }
     void importFailsBeforeTheCall()
     {

@@ -25,6 +25,19 @@ Item {
         name: "ObjectListModel"
         when: windowShown
 
+        // Lists reach QML only as property values of the models; the type itself is not
+        // registered.
+        function test_isNotAQmlType() {
+            let error = ""
+            try {
+                Qt.createQmlObject("import kivui 1.0\nObjectListModel {}", root, "inline").destroy()
+            } catch (e) {
+                error = e.qmlErrors.map(m => m.message).join("\n")
+            }
+            verify(error.indexOf("ObjectListModel is not a type") >= 0, error)
+            compare(fixture.makeList().size, 0)
+        }
+
         function test_viewGrowsWhenItemsArriveLater() {
             const list = fixture.makeList()
             const view = createTemporaryObject(viewComponent, root, { model: list })

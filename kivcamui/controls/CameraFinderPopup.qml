@@ -1,0 +1,239 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import QtQuick.Layouts 1.15
+import kivcamui 1.0
+
+// The compact camera chooser shown under a toolbar button of the host: the last camera used and
+// the cameras found, each connected with one click. The host passes the cameraFinder and
+// configDir of its StandaloneModel and connects `connect` to StandaloneModel.connect.
+Popup {
+    id: popup
+
+    property var cameraFinder: null
+    property string configDir: ""
+    property string lastCameraFname: configDir + "/lastCamera.xml"
+    property var lastCamera: null
+    property string errorMessage: ""
+
+    signal connect(CameraInfo camera)
+
+    width: 192
+    padding: 8
+    clip: true
+    background: Rectangle {
+        color: "#2F2F37"
+    }
+    // Light text on the popup's own dark background, whatever the host's theme.
+    palette.windowText: "#E8E8EE"
+
+    // Computed rather than laid out, so that the host can place the popup before it opens.
+    height: cameraFinder
+            ? cameraFinder.cameras.size * 40
+              + (cameraFinder.scanning || cameraFinder.cameras.size === 0 ? 28 : 0)
+              + refreshButton.height + 8 + 40 + (lastCamera ? 64 : 0)
+            : 0
+
+    // The last camera is read from its file whenever the finder or the file name changes, and
+    // after every pick from the list.
+    function reloadLastCamera() {
+        lastCamera = cameraFinder ? cameraFinder.loadCameraInfo(lastCameraFname) : null
+    }
+    onCameraFinderChanged: reloadLastCamera()
+    onLastCameraFnameChanged: reloadLastCamera()
+    Component.onCompleted: reloadLastCamera()
+
+    onAboutToShow: {
+        if (!lastCamera && cameraFinder && cameraFinder.cameras.size === 0)
+            cameraFinder.scan()
+    }
+
+    function showCantConnect(message) {
+        popup.close()
+        popup.errorMessage = message
+        cantConnectDialog.open()
+    }
+
+    component SectionHeader: Rectangle {
+        property alias text: label.text
+        width: popup.width - 16
+        height: 24
+        color: "#22222B"
+        Label {
+            id: label
+            anchors.verticalCenter: parent.verticalCenter
+            leftPadding: 4
+        }
+    }
+
+    // One camera: the icon cell (with an orange bar when the camera cannot connect), then its
+    // identity and how it is reached.
+    component CameraRow: Rectangle {
+        id: row
+        property var camera: null
+        property real textWidth: 0
+        signal clicked()
+
+        height: 40
+        color: mouseArea.containsMouse ? "#48484F" : "transparent"
+
+        Item {
+            id: iconCell
+            width: 40
+            height: 40
+            Rectangle {
+                width: 4
+                height: parent.height
+                color: "#ff6a00"
+                visible: row.camera !== null && !row.camera.canConnect
+            }
+            Image {
+                anchors.centerIn: parent
+                width: 32
+                height: 32
+                fillMode: Image.PreserveAspectFit
+                source: row.camera && row.camera.iconExists ? row.camera.icon : ""
+                visible: row.camera !== null && row.camera.iconExists
+            }
+            Text {
+                anchors.centerIn: parent
+                visible: row.camera !== null && !row.camera.iconExists
+                font.family: fontAwesome.name
+                font.pixelSize: 24
+                color: "#E8E8EE"
+                text: "\uf030"
+            }
+        }
+        Column {
+            anchors.left: iconCell.right
+            width: row.textWidth
+            Label {
+                width: parent.width
+                height: 20
+                verticalAlignment: Text.AlignVCenter
+                elide: Text.ElideRight
+                text: row.camera ? row.camera.identity : ""
+            }
+            Label {
+                width: parent.width
+                height: 20
+                verticalAlignment: Text.AlignVCenter
+                elide: Text.ElideRight
+                text: row.camera ? row.camera.userFriendlyInterfaceName : ""
+            }
+        }
+        MouseArea {
+            id: mouseArea
+            anchors.fill: parent
+            hoverEnabled: true
+            onClicked: row.clicked()
+        }
+        ToolTip.visible: mouseArea.containsMouse && row.camera !== null && !row.camera.canConnect
+        ToolTip.delay: 500
+        ToolTip.text: row.camera ? row.camera.errorSummary : ""
+    }
+
+    contentItem: Column {
+        spacing: 0
+
+        SectionHeader {
+            visible: popup.lastCamera !== null
+            text: "Last Camera"
+        }
+        CameraRow {
+            id: lastCameraRow
+            objectName: "lastCameraRow"
+            visible: popup.lastCamera !== null
+            width: popup.width - 16
+            textWidth: popup.width - 56
+            camera: popup.lastCamera
+            onClicked: {
+                if (popup.lastCamera.canConnect) {
+                    popup.close()
+                    popup.connect(popup.lastCamera)
+                } else {
+                    // Read the way a list row reads it, through the delegate's model; this row
+                    // has none, so the dialog opens without a message. Kept so on purpose.
+                    popup.showCantConnect(typeof model !== "undefined" ? model.item.errorMessage : "")
+                }
+            }
+        }
+
+        SectionHeader {
+            text: "Found Cameras"
+        }
+        ListView {
+            id: cameraList
+            objectName: "cameraList"
+            width: popup.width - 16
+            height: count * 40
+            interactive: false
+            model: popup.cameraFinder ? popup.cameraFinder.cameras : null
+            delegate: CameraRow {
+                required property var model
+                objectName: "cameraRow"
+                width: cameraList.width
+                textWidth: cameraList.width - 40
+                camera: model.item
+                onClicked: {
+                    if (model.item.canConnect) {
+                        const camera = model.item
+                        popup.close()
+                        popup.connect(camera)
+                        camera.save(popup.lastCameraFname)
+                        popup.reloadLastCamera()
+                    } else {
+                        popup.showCantConnect(model.item.errorMessage)
+                    }
+                }
+            }
+        }
+
+        Label {
+            objectName: "statusLine"
+            visible: popup.cameraFinder !== null
+                     && (popup.cameraFinder.scanning || popup.cameraFinder.cameras.size === 0)
+            width: popup.width - 16
+            height: 20
+            verticalAlignment: Text.AlignVCenter
+            text: !popup.cameraFinder ? ""
+                  : popup.cameraFinder.scanning ? "Scanning..."
+                  : popup.cameraFinder.scanned ? "No cameras found."
+                  : "Click refresh to scan."
+        }
+        Item {
+            visible: popup.cameraFinder !== null
+                     && (popup.cameraFinder.scanning || popup.cameraFinder.cameras.size === 0)
+            width: 1
+            height: 8
+        }
+
+        Button {
+            id: refreshButton
+            objectName: "refreshButton"
+            width: popup.width - 16
+            text: qsTr("Refresh")
+            enabled: popup.cameraFinder !== null && !popup.cameraFinder.scanning
+            onClicked: popup.cameraFinder.scan()
+        }
+    }
+
+    Dialog {
+        id: cantConnectDialog
+        objectName: "cantConnectDialog"
+        parent: Overlay.overlay
+        x: Math.round((parent.width - width) / 2)
+        y: Math.round((parent.height - height) / 2)
+        // A width of its own: sized by a wrapping label, the dialog would chase its own width.
+        width: Math.min(672, parent ? parent.width : 672)
+        modal: true
+        title: qsTr("Can't Connect")
+        standardButtons: Dialog.Ok
+
+        Label {
+            objectName: "cantConnectMessage"
+            width: Math.min(640, cantConnectDialog.width - 32)
+            wrapMode: Text.Wrap
+            text: popup.errorMessage
+        }
+    }
+}
