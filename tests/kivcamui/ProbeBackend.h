@@ -75,17 +75,20 @@ struct SProbe {
     static inline CGate openGate;
     static inline CGate connectGate;
 
+    // Forgets the records before it opens the gates, so that a call let through is recorded.
     static void reset()
     {
         openFails = false;
         connectFails = false;
         openDelay = 0;
         connectDelay = 0;
+        {
+            std::lock_guard lock(recordMutex);
+            lastOpened = {};
+            lastConnected = {};
+        }
         openGate.open();
         connectGate.open();
-        std::lock_guard lock(recordMutex);
-        lastOpened = {};
-        lastConnected = {};
     }
 };
 

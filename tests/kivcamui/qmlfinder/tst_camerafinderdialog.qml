@@ -30,13 +30,25 @@ Item {
         name: "CameraFinderDialog"
         when: windowShown
 
+        property var dialogs: []
+
         // Declared inside an item of the host's window, as a host does.
         function makeDialog() {
             const component = Qt.createComponent("qrc:/kivcamui/dialogs/CameraFinderDialog.qml")
             verify(component.status === Component.Ready, component.errorString())
             const dialog = createTemporaryObject(component, root)
             dialog.cameraFinder.enableEmulators = true
+            dialogs.push(dialog)
             return dialog
+        }
+
+        // A modal dialog left open would take the next test's clicks until it is deleted.
+        function cleanup() {
+            for (const dialog of dialogs) {
+                dialog.close()
+                tryCompare(dialog, "visible", false)
+            }
+            dialogs = []
         }
 
         function openAndWait(dialog) {

@@ -55,11 +55,16 @@ Item {
             return loader
         }
 
-        // The finders go before the popups that show them; let go of them first.
+        // The finders go before the popups that show them; let go of them first. A modal dialog
+        // left open would take the next test's clicks until it is deleted.
         function cleanup() {
             for (const loader of loaders) {
-                if (loader.item)
-                    loader.item.cameraFinder = null
+                if (!loader.item)
+                    continue
+                loader.item.close()
+                cantConnect(loader.item).close()
+                tryCompare(cantConnect(loader.item), "visible", false)
+                loader.item.cameraFinder = null
             }
             loaders = []
         }
