@@ -1,0 +1,84 @@
+#include "PreviewPainter.h"
+
+#include "Rounding.h"
+
+#include <QPaintDevice>
+#include <QTransform>
+
+#include <algorithm>
+#include <cmath>
+
+namespace kiv::cam::ui {
+
+PreviewPainter::PreviewPainter() : m_image(QStringLiteral(":/kivcamui/images/wspreview.png"))
+{
+}
+
+QRect PreviewPainter::SourceRect(bool square, double aspect) const
+{
+    const int width = m_image.width();
+    const int height = m_image.height();
+    if (square) {
+        const int side = std::min(width, height);
+        return {(width - side) / 2, (height - side) / 2, side, side};
+    }
+    if (std::abs(double(width) / height - aspect) <= 0.0001)
+        return m_image.rect();
+    const int hNeeded = truncToInt(width / aspect);
+    if (hNeeded <= height)
+        return {0, (height - hNeeded) / 2, width, hNeeded};
+    // The size is the one of the band above, not (wNeeded, height): this source reaches past the
+    // picture's right and bottom edges, and only what lies inside the picture is drawn.
+    const int wNeeded = truncToInt(height * aspect);
+    return {(width - wNeeded) / 2, 0, width, hNeeded};
+}
+
+void PreviewPainter::Draw(
+    QPainter* painter, const QRect& target, const QRect& source, bool hFlip, bool vFlip)
+{
+    // The kept copy gives the same pixels as drawing afresh only when it is put down unscaled,
+    // at whole pixels, wholly on the device, with plain blending; otherwise draw afresh.
+    const QTransform transform = painter->combinedTransform();
+    const QPaintDevice* device = painter->device();
+    const bool keep = transform.type() <= QTransform::TxTranslate
+        && transform.dx() == std::round(transform.dx())
+        && transform.dy() == std::round(transform.dy()) && device->devicePixelRatio() == 1
+        && painter->compositionMode() == QPainter::CompositionMode_SourceOver
+        && painter->opacity() == 1
+        && !(painter->renderHints() & (QPainter::Antialiasing | QPainter::SmoothPixmapTransform))
+        && !target.isEmpty()
+        && QRect(0, 0, device->width(), device->height()).contains(transform.mapRect(target));
+    if (!keep) {
+        DrawScaled(painter, target, source, hFlip, vFlip);
+        return;
+    }
+    if (m_scaled.size() != target.size() || m_scaledSource != source || m_scaledHFlip != hFlip
+        || m_scaledVFlip != vFlip) {
+        m_scaled = QImage(target.size(), QImage::Format_ARGB32_Premultiplied);
+        m_scaled.fill(Qt::transparent);
+        QPainter scaledPainter(&m_scaled);
+        DrawScaled(&scaledPainter, m_scaled.rect(), source, hFlip, vFlip);
+        m_scaledSource = source;
+        m_scaledHFlip = hFlip;
+        m_scaledVFlip = vFlip;
+    }
+    painter->drawImage(target.topLeft(), m_scaled);
+}
+
+void PreviewPainter::DrawScaled(
+    QPainter* painter, const QRect& target, const QRect& source, bool hFlip, bool vFlip) const
+{
+    if (!hFlip && !vFlip) {
+        painter->drawImage(target, m_image, source);
+        return;
+    }
+    const QPointF centre = QRectF(target).center();
+    painter->save();
+    painter->translate(centre);
+    painter->scale(hFlip ? -1 : 1, vFlip ? -1 : 1);
+    painter->translate(-centre);
+    painter->drawImage(target, m_image, source);
+    painter->restore();
+}
+
+} // namespace kiv::cam::ui
