@@ -746,6 +746,28 @@ private slots:
         QCOMPARE(scene.editor->window(), QRect(0, 300, 200, 10));
     }
 
+    void survivesNonsense()
+    {
+        // Sizes and positions no sensor has are drawn and hit-tested as far as they go,
+        // without a crash or a hang.
+        Scene scene(QSize(320, 256));
+        QVERIFY(scene.show());
+        scene.editor->setMaxSize(QSize(INT_MAX, INT_MAX));
+        scene.editor->setWindow(QRect(0, 0, INT_MAX, INT_MAX));
+        QVERIFY(!scene.grab().isNull());
+        QCOMPARE(scene.hoverCursor(QPoint(100, 100)), Qt::SizeAllCursor);
+        scene.editor->setMaxSize(QSize(1, 1));
+        scene.editor->setWindow(QRect(2000000000, 2000000000, 100000000, 100000000));
+        scene.editor->setFullSize(QSize(-5, -5));
+        scene.editor->setSubWindowPosition(QPoint(2000000000, -2000000000));
+        scene.editor->setIsSubWindow(true);
+        QVERIFY(!scene.editor->isWindowValid());
+        QVERIFY(!scene.grab().isNull());
+        QCOMPARE(scene.hoverCursor(QPoint(100, 100)), Qt::ArrowCursor);
+        scene.editor->setSize(QSizeF(0, 0));
+        QVERIFY(!scene.grab().isNull());
+    }
+
     // Painting, checked on the window's pixels.
 
     void paintsTheWindowGreenWithAnOutline()
