@@ -16,7 +16,7 @@ namespace {
 // part / whole of length, truncated, exactly.
 int shareOf(int length, int part, int whole)
 {
-    return int(std::clamp<qint64>(qint64(length) * part / whole, INT_MIN, INT_MAX));
+    return boundedInt(double(qint64(length) * part / whole));
 }
 
 } // namespace

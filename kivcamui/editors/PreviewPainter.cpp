@@ -36,8 +36,11 @@ QRect PreviewPainter::SourceRect(bool square, double aspect) const
 void PreviewPainter::Draw(
     QPainter* painter, const QRect& target, const QRect& source, bool hFlip, bool vFlip)
 {
-    // The kept copy gives the same pixels as drawing afresh only when it is put down unscaled,
-    // at whole pixels, wholly on the device, with plain blending; otherwise draw afresh.
+    // The kept copy gives the same pixels as drawing afresh when it is put down unscaled, at
+    // whole pixels, with plain blending: the picture is sampled the same way relative to the
+    // target wherever that lies, and the device clips both alike. It is kept for targets of up
+    // to twice the device's size (a picture zoomed in a little or pushed partly off the item);
+    // larger ones are drawn afresh, which costs only what shows.
     const QTransform transform = painter->combinedTransform();
     const QPaintDevice* device = painter->device();
     const bool keep = transform.type() <= QTransform::TxTranslate
@@ -47,14 +50,16 @@ void PreviewPainter::Draw(
         && painter->opacity() == 1
         && !(painter->renderHints() & (QPainter::Antialiasing | QPainter::SmoothPixmapTransform))
         && !target.isEmpty()
-        && QRect(0, 0, device->width(), device->height()).contains(transform.mapRect(target));
+        && qint64(target.width()) * target.height()
+            <= 2 * qint64(device->width()) * device->height();
     if (!keep) {
         DrawScaled(painter, target, source, hFlip, vFlip);
         return;
     }
     if (m_scaled.size() != target.size() || m_scaledSource != source || m_scaledHFlip != hFlip
         || m_scaledVFlip != vFlip) {
-        m_scaled = QImage(target.size(), QImage::Format_ARGB32_Premultiplied);
+        if (m_scaled.size() != target.size())
+            m_scaled = QImage(target.size(), QImage::Format_ARGB32_Premultiplied);
         m_scaled.fill(Qt::transparent);
         QPainter scaledPainter(&m_scaled);
         DrawScaled(&scaledPainter, m_scaled.rect(), source, hFlip, vFlip);

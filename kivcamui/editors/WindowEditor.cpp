@@ -178,42 +178,52 @@ QPoint WindowEditor::VisibleToReal(QPoint visible) const
 
 QRect WindowEditor::GetCPRect(ControlPoint cp) const
 {
-    const int x = m_window.x();
-    const int y = m_window.y();
-    const int w = m_window.width();
-    const int h = m_window.height();
-    QPoint corner;
+    // In 64 bits and bounded, so that a window reaching the end of int still has handles.
+    const qint64 x = m_window.x();
+    const qint64 y = m_window.y();
+    const qint64 w = m_window.width();
+    const qint64 h = m_window.height();
+    qint64 left = 0;
+    qint64 top = 0;
     switch (cp) {
     case None:
         return {};
     case Top:
-        corner = {x + w / 2 - 5, y - 5};
+        left = x + w / 2 - 5;
+        top = y - 5;
         break;
     case Left:
-        corner = {x - 5, y + h / 2 - 5};
+        left = x - 5;
+        top = y + h / 2 - 5;
         break;
     case Bottom:
-        corner = {x + w / 2 - 5, y + h - 5};
+        left = x + w / 2 - 5;
+        top = y + h - 5;
         break;
     case Right:
-        corner = {x + w - 5, y + h / 2 - 5};
+        left = x + w - 5;
+        top = y + h / 2 - 5;
         break;
     case TopLeft:
-        corner = {x - 5, y - 5};
+        left = x - 5;
+        top = y - 5;
         break;
     case BottomRight:
-        corner = {x + w - 5, y + h - 5};
+        left = x + w - 5;
+        top = y + h - 5;
         break;
     case TopRight:
-        corner = {x + w - 5, y - 5};
+        left = x + w - 5;
+        top = y - 5;
         break;
     case BottomLeft:
-        corner = {x - 5, y + h - 5};
+        left = x - 5;
+        top = y + h - 5;
         break;
     case Move:
         return m_window;
     }
-    return {corner, QSize(10, 10)};
+    return {boundedInt(double(left)), boundedInt(double(top)), 10, 10};
 }
 
 WindowEditor::ControlPoint WindowEditor::CPHitTest(QPoint visible) const

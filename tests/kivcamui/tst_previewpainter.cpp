@@ -98,8 +98,10 @@ private slots:
                     << QRect(37, 51, 203, 151) << part << h << v;
                 QTest::newRow(qPrintable("past the picture" + flips))
                     << QRect(3, 5, 256, 512) << beyond << h << v;
-                QTest::newRow(qPrintable("off the device" + flips))
+                QTest::newRow(qPrintable("partly off the device" + flips))
                     << QRect(-100, 600, 700, 500) << whole << h << v;
+                QTest::newRow(qPrintable("far larger than the device" + flips))
+                    << QRect(-1000, -900, 3000, 2400) << part << h << v;
             }
         }
     }
