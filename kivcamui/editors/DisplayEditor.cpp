@@ -21,48 +21,18 @@ int shareOf(int length, int part, int whole)
 
 } // namespace
 
-DisplayEditor::DisplayEditor(QQuickItem* parent) : QQuickPaintedItem(parent)
+DisplayEditor::DisplayEditor(QQuickItem* parent) : EditorItem(parent)
 {
-    setFocus(true);
-    setKeepMouseGrab(true);
-    setAcceptHoverEvents(true);
-    setAcceptedMouseButtons(Qt::LeftButton);
-}
-
-void DisplayEditor::setHFlip(bool flip)
-{
-    if (flip == m_hFlip)
-        return;
-    m_hFlip = flip;
-    emit hFlipChanged();
-    update();
-}
-
-void DisplayEditor::setVFlip(bool flip)
-{
-    if (flip == m_vFlip)
-        return;
-    m_vFlip = flip;
-    emit vFlipChanged();
-    update();
 }
 
 void DisplayEditor::setOffsetType(EOFFSET_TYPE type)
 {
-    if (type == m_offsetType)
-        return;
-    m_offsetType = type;
-    emit offsetTypeChanged();
-    update();
+    SetAndRepaint(m_offsetType, type, &DisplayEditor::offsetTypeChanged);
 }
 
 void DisplayEditor::setShowNtscLines(bool show)
 {
-    if (show == m_showNtscLines)
-        return;
-    m_showNtscLines = show;
-    emit showNtscLinesChanged();
-    update();
+    SetAndRepaint(m_showNtscLines, show, &DisplayEditor::showNtscLinesChanged);
 }
 
 // The limits and the validity are announced whenever something they depend on changes, whether
@@ -81,18 +51,16 @@ void DisplayEditor::setWindow(QRect window)
 
 void DisplayEditor::setFpaSize(QSize size)
 {
-    if (size == m_fpaSize || size.width() <= 0 || size.height() <= 0)
+    if (!StoreSize(m_fpaSize, size))
         return;
-    m_fpaSize = size;
     emit fpaSizeChanged();
     update();
 }
 
 void DisplayEditor::setDisplaySize(QSize size)
 {
-    if (size == m_displaySize || size.width() <= 0 || size.height() <= 0)
+    if (!StoreSize(m_displaySize, size))
         return;
-    m_displaySize = size;
     emit displaySizeChanged();
     emit offsetMaxChanged();
     emit isValidChanged();
@@ -101,9 +69,8 @@ void DisplayEditor::setDisplaySize(QSize size)
 
 void DisplayEditor::setIncrement(QPoint increment)
 {
-    if (increment == m_increment || increment.x() < 1 || increment.y() < 1)
+    if (!StoreIncrement(m_increment, increment))
         return;
-    m_increment = increment;
     emit incrementChanged();
     emit isValidChanged();
 }
@@ -172,7 +139,7 @@ QPoint DisplayEditor::VisibleToReal(QPoint visible) const
 }
 
 // The picture can only be dragged when its placement is custom; other presses pass through.
-// Only the left button reaches the item (see the constructor).
+// Only the left button reaches the item (see EditorItem).
 void DisplayEditor::mousePressEvent(QMouseEvent* event)
 {
     if (m_offsetType != OFFSET_CUSTOM) {
@@ -181,16 +148,14 @@ void DisplayEditor::mousePressEvent(QMouseEvent* event)
     }
     event->accept();
     forceActiveFocus();
-    m_tracking = true;
-    emit trackingChanged();
     m_offsetAtPress = m_offset;
     m_pressPoint = VisibleToReal(roundPoint(event->position()));
-    grabMouse();
+    StartTracking();
 }
 
 void DisplayEditor::mouseMoveEvent(QMouseEvent* event)
 {
-    if (!m_tracking) {
+    if (!tracking()) {
         event->ignore();
         return;
     }
@@ -212,40 +177,10 @@ void DisplayEditor::mouseMoveEvent(QMouseEvent* event)
     update();
 }
 
-void DisplayEditor::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (!m_tracking) {
-        event->ignore();
-        return;
-    }
-    event->accept();
-    m_tracking = false;
-    emit trackingChanged();
-    ungrabMouse();
-}
-
-// A lost grab leaves the drag as it is; the next release ends it.
-void DisplayEditor::mouseUngrabEvent()
-{
-}
-
 void DisplayEditor::hoverMoveEvent(QHoverEvent* event)
 {
     event->accept();
     setCursor(m_offsetType == OFFSET_CUSTOM ? Qt::SizeAllCursor : Qt::ArrowCursor);
-}
-
-void DisplayEditor::hoverLeaveEvent(QHoverEvent*)
-{
-    unsetCursor();
-}
-
-void DisplayEditor::focusInEvent(QFocusEvent*)
-{
-}
-
-void DisplayEditor::focusOutEvent(QFocusEvent*)
-{
 }
 
 float DisplayEditor::EffectiveZoom() const
@@ -269,7 +204,7 @@ void DisplayEditor::paint(QPainter* painter)
 {
     // The window's share of the preview, as the window editor would show the whole sensor.
     const bool square = m_fpaSize.width() == m_fpaSize.height();
-    const QRect full = m_preview.SourceRect(square, double(m_window.width()) / m_window.height());
+    const QRect full = Preview().SourceRect(square, double(m_window.width()) / m_window.height());
     const QRect source(full.left() + shareOf(full.width(), m_window.x(), m_fpaSize.width()),
         full.top() + shareOf(full.height(), m_window.y(), m_fpaSize.height()),
         shareOf(full.width(), m_window.width(), m_fpaSize.width()),
@@ -286,7 +221,7 @@ void DisplayEditor::paint(QPainter* painter)
     }
 
     const QRect target = RealToVisible(topLeft, size);
-    m_preview.Draw(painter, target, source, m_hFlip, m_vFlip);
+    Preview().Draw(painter, target, source, hFlip(), vFlip());
     const QColor green(0, 192, 0, 255);
     painter->setPen(green);
     painter->drawRect(target);

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <kivcamui/editors/PreviewPainter.h>
+#include <kivcamui/editors/EditorItem.h>
 #include <kivcamui/kivcamui_export.h>
 
 #include <QPoint>
-#include <QQuickPaintedItem>
 #include <QRect>
 #include <QSize>
 
@@ -13,10 +12,8 @@ namespace kiv::cam::ui {
 // Shows where a camera's sensor window lands on a video display of displaySize pixels at a
 // given zoom, and lets the user drag it about the display when its placement is custom.
 // Properties are in display (offset) and sensor (window) pixels; the item shows the display.
-class KIVCAMUI_EXPORT DisplayEditor : public QQuickPaintedItem {
+class KIVCAMUI_EXPORT DisplayEditor : public EditorItem {
     Q_OBJECT
-    Q_PROPERTY(bool hFlip READ hFlip WRITE setHFlip NOTIFY hFlipChanged)
-    Q_PROPERTY(bool vFlip READ vFlip WRITE setVFlip NOTIFY vFlipChanged)
     Q_PROPERTY(QRect window READ window WRITE setWindow NOTIFY windowChanged)
     Q_PROPERTY(QSize fpaSize READ fpaSize WRITE setFpaSize NOTIFY fpaSizeChanged)
     Q_PROPERTY(QSize displaySize READ displaySize WRITE setDisplaySize NOTIFY displaySizeChanged)
@@ -24,7 +21,6 @@ class KIVCAMUI_EXPORT DisplayEditor : public QQuickPaintedItem {
     Q_PROPERTY(QPoint offset READ offset WRITE setOffset NOTIFY offsetChanged)
     Q_PROPERTY(QPoint offsetMin READ offsetMin NOTIFY offsetMinChanged)
     Q_PROPERTY(QPoint offsetMax READ offsetMax NOTIFY offsetMaxChanged)
-    Q_PROPERTY(bool tracking READ tracking NOTIFY trackingChanged)
     Q_PROPERTY(bool isValid READ isValid NOTIFY isValidChanged)
     Q_PROPERTY(float zoom READ zoom WRITE setZoom NOTIFY zoomChanged)
     Q_PROPERTY(EOFFSET_TYPE offsetType READ offsetType WRITE setOffsetType NOTIFY offsetTypeChanged)
@@ -43,10 +39,6 @@ public:
 
     explicit DisplayEditor(QQuickItem* parent = nullptr);
 
-    bool hFlip() const { return m_hFlip; }
-    void setHFlip(bool flip);
-    bool vFlip() const { return m_vFlip; }
-    void setVFlip(bool flip);
     QRect window() const { return m_window; }
     void setWindow(QRect window);
     QSize fpaSize() const { return m_fpaSize; }
@@ -61,7 +53,6 @@ public:
     // How far the picture may be pushed off the display: until only its edge touches it.
     QPoint offsetMin() const;
     QPoint offsetMax() const;
-    bool tracking() const { return m_tracking; }
     bool isValid() const;
     // 0 fits the window to the display.
     float zoom() const { return m_zoom; }
@@ -74,8 +65,6 @@ public:
     void paint(QPainter* painter) override;
 
 signals:
-    void hFlipChanged();
-    void vFlipChanged();
     void windowChanged();
     void fpaSizeChanged();
     void displaySizeChanged();
@@ -83,7 +72,6 @@ signals:
     void offsetChanged();
     void offsetMinChanged();
     void offsetMaxChanged();
-    void trackingChanged();
     void isValidChanged();
     void zoomChanged();
     void offsetTypeChanged();
@@ -92,12 +80,7 @@ signals:
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-    void mouseUngrabEvent() override;
     void hoverMoveEvent(QHoverEvent* event) override;
-    void hoverLeaveEvent(QHoverEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
 
 private:
     QPoint RealToVisible(QPoint real) const;
@@ -107,15 +90,11 @@ private:
     // The zoom the picture is drawn at: zoom, or for 0 the one that fits the display.
     float EffectiveZoom() const;
 
-    PreviewPainter m_preview;
-    bool m_hFlip = false;
-    bool m_vFlip = false;
     QRect m_window{0, 0, 640, 512};
     QSize m_fpaSize{640, 512};
     QSize m_displaySize{640, 480};
     QPoint m_increment{1, 1};
     QPoint m_offset;
-    bool m_tracking = false;
     float m_zoom = 1.0f;
     EOFFSET_TYPE m_offsetType = OFFSET_CENTERED;
     bool m_showNtscLines = false;

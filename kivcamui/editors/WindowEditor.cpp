@@ -21,32 +21,8 @@ int snap(int value, int step)
 
 } // namespace
 
-WindowEditor::WindowEditor(QQuickItem* parent) : QQuickPaintedItem(parent)
+WindowEditor::WindowEditor(QQuickItem* parent) : EditorItem(parent)
 {
-    setFocus(true);
-    setKeepMouseGrab(true);
-    setAcceptHoverEvents(true);
-    setAcceptedMouseButtons(Qt::LeftButton);
-}
-
-template <typename T>
-void WindowEditor::SetAndRepaint(T& field, const T& value, void (WindowEditor::*changed)())
-{
-    if (field == value)
-        return;
-    field = value;
-    emit(this->*changed)();
-    update();
-}
-
-void WindowEditor::setHFlip(bool flip)
-{
-    SetAndRepaint(m_hFlip, flip, &WindowEditor::hFlipChanged);
-}
-
-void WindowEditor::setVFlip(bool flip)
-{
-    SetAndRepaint(m_vFlip, flip, &WindowEditor::vFlipChanged);
 }
 
 void WindowEditor::setIsSubWindow(bool isSubWindow)
@@ -80,31 +56,24 @@ void WindowEditor::setWindow(QRect window)
     update();
 }
 
-// The sizes and the increment take effect with the next drag; they repaint nothing.
-void WindowEditor::SetSize(QSize& field, QSize size, void (WindowEditor::*changed)())
-{
-    if (size == field || size.width() <= 0 || size.height() <= 0)
-        return;
-    field = size;
-    emit(this->*changed)();
-}
-
+// The sizes and the increment take effect with the next drag; they repaint nothing, and
+// announce no change of validity.
 void WindowEditor::setMinSize(QSize size)
 {
-    SetSize(m_minSize, size, &WindowEditor::minSizeChanged);
+    if (StoreSize(m_minSize, size))
+        emit minSizeChanged();
 }
 
 void WindowEditor::setMaxSize(QSize size)
 {
-    SetSize(m_maxSize, size, &WindowEditor::maxSizeChanged);
+    if (StoreSize(m_maxSize, size))
+        emit maxSizeChanged();
 }
 
 void WindowEditor::setIncrement(QPoint increment)
 {
-    if (increment == m_increment || increment.x() < 1 || increment.y() < 1)
-        return;
-    m_increment = increment;
-    emit incrementChanged();
+    if (StoreIncrement(m_increment, increment))
+        emit incrementChanged();
 }
 
 bool WindowEditor::isWindowValid() const
@@ -271,7 +240,7 @@ Qt::CursorShape WindowEditor::CursorForControlPoint(ControlPoint cp)
     return Qt::ArrowCursor;
 }
 
-// Only the left button reaches the item (see the constructor).
+// Only the left button reaches the item (see EditorItem).
 void WindowEditor::mousePressEvent(QMouseEvent* event)
 {
     event->accept();
@@ -280,16 +249,14 @@ void WindowEditor::mousePressEvent(QMouseEvent* event)
     m_activeCP = CPHitTest(position);
     if (m_activeCP == None)
         return;
-    m_tracking = true;
-    emit trackingChanged();
     m_windowAtPress = m_window;
     m_pressPoint = VisibleToReal(position);
-    grabMouse();
+    StartTracking();
 }
 
 void WindowEditor::mouseMoveEvent(QMouseEvent* event)
 {
-    if (!m_tracking) {
+    if (!tracking()) {
         event->ignore();
         return;
     }
@@ -381,23 +348,6 @@ void WindowEditor::mouseMoveEvent(QMouseEvent* event)
     setWindow(r);
 }
 
-void WindowEditor::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (!m_tracking) {
-        event->ignore();
-        return;
-    }
-    event->accept();
-    m_tracking = false;
-    emit trackingChanged();
-    ungrabMouse();
-}
-
-// A lost grab leaves the drag as it is; the next release ends it.
-void WindowEditor::mouseUngrabEvent()
-{
-}
-
 void WindowEditor::hoverMoveEvent(QHoverEvent* event)
 {
     const ControlPoint cp = CPHitTest(roundPoint(event->position()));
@@ -407,26 +357,13 @@ void WindowEditor::hoverMoveEvent(QHoverEvent* event)
         setCursor(CursorForControlPoint(cp));
 }
 
-void WindowEditor::hoverLeaveEvent(QHoverEvent*)
-{
-    unsetCursor();
-}
-
-void WindowEditor::focusInEvent(QFocusEvent*)
-{
-}
-
-void WindowEditor::focusOutEvent(QFocusEvent*)
-{
-}
-
 void WindowEditor::paint(QPainter* painter)
 {
     const QRect target = boundingRect().toAlignedRect();
     const QSize area = AreaSize();
     const QRect source
-        = m_preview.SourceRect(area.width() == area.height(), double(area.width()) / area.height());
-    m_preview.Draw(painter, target, source, m_hFlip, m_vFlip);
+        = Preview().SourceRect(area.width() == area.height(), double(area.width()) / area.height());
+    Preview().Draw(painter, target, source, hFlip(), vFlip());
 
     if (m_isSubWindow) {
         // Shade what lies outside the sub-window's sensor.

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <kivcamui/editors/PreviewPainter.h>
+#include <kivcamui/editors/EditorItem.h>
 #include <kivcamui/kivcamui_export.h>
 
 #include <QPoint>
-#include <QQuickPaintedItem>
 #include <QRect>
 #include <QSize>
 
@@ -14,15 +13,12 @@ namespace kiv::cam::ui {
 // maxSize, drawn over a preview picture that fills the item. The window is moved by dragging it
 // and resized by any of its edges and corners, snapping to the increments and kept within the
 // minimum and maximum sizes. Properties are in sensor pixels; the item maps them to its own.
-class KIVCAMUI_EXPORT WindowEditor : public QQuickPaintedItem {
+class KIVCAMUI_EXPORT WindowEditor : public EditorItem {
     Q_OBJECT
-    Q_PROPERTY(bool hFlip READ hFlip WRITE setHFlip NOTIFY hFlipChanged)
-    Q_PROPERTY(bool vFlip READ vFlip WRITE setVFlip NOTIFY vFlipChanged)
     Q_PROPERTY(QRect window READ window WRITE setWindow NOTIFY windowChanged)
     Q_PROPERTY(QSize minSize READ minSize WRITE setMinSize NOTIFY minSizeChanged)
     Q_PROPERTY(QSize maxSize READ maxSize WRITE setMaxSize NOTIFY maxSizeChanged)
     Q_PROPERTY(QPoint increment READ increment WRITE setIncrement NOTIFY incrementChanged)
-    Q_PROPERTY(bool tracking READ tracking NOTIFY trackingChanged)
     Q_PROPERTY(bool isWindowValid READ isWindowValid NOTIFY isWindowValidChanged)
     Q_PROPERTY(bool centeredOnly READ centeredOnly WRITE setCenteredOnly NOTIFY centeredOnlyChanged)
     Q_PROPERTY(bool isSubWindow READ isSubWindow WRITE setIsSubWindow NOTIFY isSubWindowChanged)
@@ -33,10 +29,6 @@ class KIVCAMUI_EXPORT WindowEditor : public QQuickPaintedItem {
 public:
     explicit WindowEditor(QQuickItem* parent = nullptr);
 
-    bool hFlip() const { return m_hFlip; }
-    void setHFlip(bool flip);
-    bool vFlip() const { return m_vFlip; }
-    void setVFlip(bool flip);
     QRect window() const { return m_window; }
     // Stores the window as given, neither snapped nor clamped; in centred mode it is moved to
     // the centre first. Negative origins and empty sizes are ignored.
@@ -47,7 +39,6 @@ public:
     void setMaxSize(QSize size);
     QPoint increment() const { return m_increment; }
     void setIncrement(QPoint increment);
-    bool tracking() const { return m_tracking; }
     bool isWindowValid() const;
     bool centeredOnly() const { return m_centeredOnly; }
     void setCenteredOnly(bool centeredOnly);
@@ -61,13 +52,10 @@ public:
     void paint(QPainter* painter) override;
 
 signals:
-    void hFlipChanged();
-    void vFlipChanged();
     void windowChanged();
     void minSizeChanged();
     void maxSizeChanged();
     void incrementChanged();
-    void trackingChanged();
     void isWindowValidChanged();
     void centeredOnlyChanged();
     void isSubWindowChanged();
@@ -77,12 +65,7 @@ signals:
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-    void mouseUngrabEvent() override;
     void hoverMoveEvent(QHoverEvent* event) override;
-    void hoverLeaveEvent(QHoverEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
 
 private:
     // The handles, in the order the hit test tries them.
@@ -109,18 +92,11 @@ private:
     QPoint VisibleToReal(QPoint visible) const;
     // Where a window of the given size sits when centred on the sensor, on the increments.
     QPoint CenteredOrigin(QSize size) const;
-    template <typename T>
-    void SetAndRepaint(T& field, const T& value, void (WindowEditor::*changed)());
-    void SetSize(QSize& field, QSize size, void (WindowEditor::*changed)());
 
-    PreviewPainter m_preview;
-    bool m_hFlip = false;
-    bool m_vFlip = false;
     QRect m_window{0, 0, 320, 256};
     QSize m_minSize{1, 1};
     QSize m_maxSize{320, 256};
     QPoint m_increment{1, 1};
-    bool m_tracking = false;
     ControlPoint m_activeCP = None;
     QRect m_windowAtPress;
     QPoint m_pressPoint;

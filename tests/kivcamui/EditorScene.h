@@ -5,6 +5,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <functional>
+
 // A window on the offscreen platform that shows one editor item at its top-left corner, as a
 // host would, with helpers that drive the mouse through the window. The item counts its paints.
 template <typename Editor> class EditorScene {
@@ -42,6 +44,15 @@ public:
         window.update();
         return frames.wait(2000);
     }
+    // How many times the item is painted in the frame after change; -1 when no frame came.
+    int paintsAfter(const std::function<void()>& change)
+    {
+        if (!renderFrame() || editor->paints == 0)
+            return -1;
+        const int before = editor->paints;
+        change();
+        return renderFrame() ? editor->paints - before : -1;
+    }
     QImage grab() { return window.grabWindow(); }
 
     void press(QPoint at) { QTest::mousePress(&window, Qt::LeftButton, {}, at); }
@@ -65,6 +76,18 @@ public:
     QQuickWindow window;
     CountingEditor* editor;
 };
+
+// Data rows h, v: the three flips, and if asked no flip too.
+inline void addFlipRows(bool withPlain)
+{
+    QTest::addColumn<bool>("h");
+    QTest::addColumn<bool>("v");
+    if (withPlain)
+        QTest::newRow("plain") << false << false;
+    QTest::newRow("horizontal") << true << false;
+    QTest::newRow("vertical") << false << true;
+    QTest::newRow("both") << true << true;
+}
 
 // What a colour drawn over a pixel gives, each channel rounded.
 inline QColor blended(QColor under, QColor over)
