@@ -114,24 +114,26 @@ QSize WindowEditor::AreaSize() const
     return m_maxSize.expandedTo(m_fullSize);
 }
 
-QPoint WindowEditor::RealToVisible(QPoint real) const
+QPointF WindowEditor::Scale() const
 {
     const QSize area = AreaSize();
     const QRectF item = boundingRect();
-    const double sx = item.width() / area.width();
-    const double sy = item.height() / area.height();
+    return {item.width() / area.width(), item.height() / area.height()};
+}
+
+QPoint WindowEditor::RealToVisible(QPoint real) const
+{
+    const QPointF scale = Scale();
     const QPointF shift = m_isSubWindow ? QPointF(m_subWindowPosition) : QPointF();
-    return {roundToInt((real.x() + shift.x()) * sx), roundToInt((real.y() + shift.y()) * sy)};
+    return {roundToInt((real.x() + shift.x()) * scale.x()),
+        roundToInt((real.y() + shift.y()) * scale.y())};
 }
 
 QRect WindowEditor::RealToVisible(const QRect& real) const
 {
-    const QSize area = AreaSize();
-    const QRectF item = boundingRect();
-    const double sx = item.width() / area.width();
-    const double sy = item.height() / area.height();
+    const QPointF scale = Scale();
     return {RealToVisible(real.topLeft()),
-        QSize(roundToInt(real.width() * sx), roundToInt(real.height() * sy))};
+        QSize(roundToInt(real.width() * scale.x()), roundToInt(real.height() * scale.y()))};
 }
 
 QPoint WindowEditor::VisibleToReal(QPoint visible) const

@@ -4,6 +4,7 @@
 #include <kivcamui/kivcamui_export.h>
 
 #include <QPoint>
+#include <QPointF>
 #include <QRect>
 #include <QSize>
 
@@ -87,6 +88,8 @@ private:
     QRect GetCPRect(ControlPoint cp) const;
     // The sensor area the item shows: the sensor, or in sub-window mode the full sensor.
     QSize AreaSize() const;
+    // Item pixels per sensor pixel, across and down.
+    QPointF Scale() const;
     QPoint RealToVisible(QPoint real) const;
     QRect RealToVisible(const QRect& real) const;
     QPoint VisibleToReal(QPoint visible) const;
