@@ -60,8 +60,13 @@ void PreviewPainter::Draw(
         || m_scaledVFlip != vFlip) {
         if (m_scaled.size() != target.size())
             m_scaled = QImage(target.size(), QImage::Format_ARGB32_Premultiplied);
-        m_scaled.fill(Qt::transparent);
+        // An opaque picture drawn from within its bounds sets every pixel of the copy; a source
+        // that reaches past them leaves pixels that must stay clear.
         QPainter scaledPainter(&m_scaled);
+        if (m_image.hasAlphaChannel() || !m_image.rect().contains(source))
+            m_scaled.fill(Qt::transparent);
+        else
+            scaledPainter.setCompositionMode(QPainter::CompositionMode_Source);
         DrawScaled(&scaledPainter, m_scaled.rect(), source, hFlip, vFlip);
         m_scaledSource = source;
         m_scaledHFlip = hFlip;

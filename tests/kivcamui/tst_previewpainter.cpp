@@ -134,6 +134,13 @@ private slots:
             reference(device, target, QRect(0, 128, 640, 256), true, false));
         QCOMPARE(drawn(preview, device, target, QRect(0, 128, 640, 256), true, true),
             reference(device, target, QRect(0, 128, 640, 256), true, true));
+        // From a source past the picture's edges, which leaves part of the copy clear, and back.
+        QCOMPARE(drawn(preview, device, target, QRect(192, 0, 640, 1280), true, true),
+            reference(device, target, QRect(192, 0, 640, 1280), true, true));
+        QCOMPARE(drawn(preview, device, target, QRect(0, 0, 640, 512), false, true),
+            reference(device, target, QRect(0, 0, 640, 512), false, true));
+        QCOMPARE(drawn(preview, device, target, QRect(192, 0, 640, 1280), false, false),
+            reference(device, target, QRect(192, 0, 640, 1280), false, false));
         const QRect smaller(0, 0, 320, 256);
         QCOMPARE(drawn(preview, device, smaller, QRect(0, 128, 640, 256), true, true),
             reference(device, smaller, QRect(0, 128, 640, 256), true, true));
