@@ -92,10 +92,20 @@ ApplicationWindow {
             anchors.fill: parent
             anchors.leftMargin: 12
             anchors.rightMargin: 12
-            Label {
-                text: "Cameras"
-                font.pixelSize: 18
-                font.bold: true
+            TabBar {
+                id: pages
+                currentIndex: startPage === "editors" ? 1 : 0
+                background: null
+                TabButton {
+                    text: "Cameras"
+                    width: implicitWidth
+                    font.bold: true
+                }
+                TabButton {
+                    text: "Sensor window"
+                    width: implicitWidth
+                    font.bold: true
+                }
             }
             Label {
                 text: finder.scanning ? "Scanning..." : finder.cameras.size + " found"
@@ -115,10 +125,13 @@ ApplicationWindow {
         }
     }
 
+    StackLayout {
+    Layout.fillWidth: true
+    Layout.fillHeight: true
+    Layout.margins: 12
+    currentIndex: pages.currentIndex
+
     RowLayout {
-        Layout.fillWidth: true
-        Layout.fillHeight: true
-        Layout.margins: 12
         spacing: 12
 
         ListView {
@@ -332,5 +345,11 @@ ApplicationWindow {
             }
         }
     }
+
+    // The selected camera's sensor window and its place on a display.
+    EditorsPage {
+        camera: window.camera
     }
+    }
+}
 }

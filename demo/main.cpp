@@ -1,7 +1,10 @@
 // The demo host: a window that finds the emulated cameras and lets you look at and edit their
-// descriptions and device parameters.
-//   kivcamui-demo [--screenshot FILE]   with --screenshot, saves the window once the first
-//                                       search has ended, then quits
+// descriptions and device parameters, and, on a second page, the selected camera's sensor window
+// and its place on a display.
+//   kivcamui-demo [--page cameras|editors] [--screenshot FILE]
+//     --page        the page shown first
+//     --screenshot  saves the window, with the first camera selected, once the first search
+//                   has ended, then quits
 
 #include <kivcamui/plugin/InitPlugin.h>
 
@@ -21,20 +24,24 @@ int main(int argc, char** argv)
 
     QCommandLineParser parser;
     parser.addHelpOption();
-    const QCommandLineOption screenshot("screenshot", "Save the window to <file> and quit.", "file");
+    const QCommandLineOption screenshot(
+        "screenshot", "Save the window to <file> and quit.", "file");
     parser.addOption(screenshot);
+    const QCommandLineOption page(
+        "page", "Show <page> (cameras or editors) first.", "page", "cameras");
+    parser.addOption(page);
     parser.process(app);
 
     kivcamuiInitPlugin();
     QQuickStyle::setStyle("Fusion");
 
     QQmlApplicationEngine engine;
-    const QString fontFile =
-        QStandardPaths::locate(QStandardPaths::GenericDataLocation,
-                               "fonts/truetype/font-awesome/fontawesome-webfont.ttf");
-    engine.rootContext()->setContextProperty("iconFontUrl",
-                                             fontFile.isEmpty() ? QUrl() : QUrl::fromLocalFile(fontFile));
+    const QString fontFile = QStandardPaths::locate(
+        QStandardPaths::GenericDataLocation, "fonts/truetype/font-awesome/fontawesome-webfont.ttf");
+    engine.rootContext()->setContextProperty(
+        "iconFontUrl", fontFile.isEmpty() ? QUrl() : QUrl::fromLocalFile(fontFile));
     engine.rootContext()->setContextProperty("screenshotFile", parser.value(screenshot));
+    engine.rootContext()->setContextProperty("startPage", parser.value(page));
     engine.load(QUrl("qrc:/demo/Main.qml"));
     if (engine.rootObjects().isEmpty())
         return 1;

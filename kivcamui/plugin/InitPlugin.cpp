@@ -4,6 +4,8 @@
 #include <kivcamui/camera/CameraInfo.h>
 #include <kivcamui/custom/CameraModel.h>
 #include <kivcamui/device/DeviceInfo.h>
+#include <kivcamui/editors/DisplayEditor.h>
+#include <kivcamui/editors/WindowEditor.h>
 #include <kivcamui/standalone/StandaloneModel.h>
 #include <kivui/InitPlugin.h>
 
@@ -23,6 +25,8 @@ void kivcamuiInitPlugin()
     qmlRegisterType<CameraFinderModel>("kivcamui", 1, 0, "CameraFinderModel");
     qmlRegisterUncreatableType<CameraInfo>(
         "kivcamui", 1, 0, "CameraInfo", "Can only create CameraInfo from CameraFinderModel");
+    qmlRegisterType<WindowEditor>("kivcamui", 1, 0, "WindowEditor");
+    qmlRegisterType<DisplayEditor>("kivcamui", 1, 0, "DisplayEditor");
     qmlRegisterUncreatableType<DeviceInfo>(
         "kivcamui", 1, 0, "DeviceInfo", "Can only create CameraInfo from CameraFinderModel");
     qmlRegisterUncreatableType<CameraModel>(

@@ -28,6 +28,17 @@ TestCase {
         verify(error.indexOf(data.reason) >= 0, error)
     }
 
+    function test_editorsAreCreatable_data() {
+        return [
+            { tag: "WindowEditor", text: "WindowEditor {}" },
+            { tag: "DisplayEditor", text: "DisplayEditor {}" },
+        ]
+    }
+
+    function test_editorsAreCreatable(data) {
+        compare(creationError(data.text), "")
+    }
+
     function test_editLevelsAreKnownToQml() {
         // The enumeration travels with DeviceParameter's meta-object: values read as numbers.
         const camera = fixture.makeCamera()
