@@ -5,6 +5,7 @@
 #include <kiv/TSharedPtr.h>
 #include <kivcam/CNameIndex.h>
 #include <kivcam/IInterface.h>
+#include <kivcam/kivcam_export.h>
 
 namespace kiv::cam {
 
@@ -25,8 +26,9 @@ const SEmulatedDevice* FindEmulatedDevice(
     const TArray<SEmulatedDevice>& devices, const CString& deviceName);
 
 // A transport of the emulator's world. It is filled while the world is read and only read
-// afterwards, so its scans may run on any thread.
-class CEmulatorInterface : public IInterface {
+// afterwards, so its scans may run on any thread. Exported, like the world, for the world's
+// fuzzer.
+class KIVCAM_EXPORT CEmulatorInterface : public IInterface {
 public:
     CEmulatorInterface();
 
