@@ -10,6 +10,7 @@
 #include <QPair>
 #include <QString>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <cstring>
 #include <sys/socket.h>
@@ -46,6 +47,16 @@ inline QList<QPair<const char*, QString>> nonRegularPaths(const QTemporaryDir& f
     return {{"FIFO", fifo}, {"link to a FIFO", link}, {"socket", socketPath},
         {"folder", dir.filePath("folder.xml")}, {"endless device", "/dev/zero"},
         {"empty device", "/dev/null"}};
+}
+
+// The data of a test that takes each path in turn: a column "path", a row per path.
+inline void addPathRows(const QTemporaryDir& folder)
+{
+    QTest::addColumn<QString>("path");
+    const auto paths = nonRegularPaths(folder);
+    QVERIFY(!paths.isEmpty());
+    for (const auto& [name, path] : paths)
+        QTest::newRow(name) << path;
 }
 
 } // namespace hostile

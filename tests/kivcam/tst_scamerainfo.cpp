@@ -394,11 +394,7 @@ private slots:
     }
     void notARegularFileIsRefusedAtOnce_data()
     {
-        QTest::addColumn<QString>("path");
-        const auto paths = hostile::nonRegularPaths(m_folder);
-        QVERIFY(!paths.isEmpty());
-        for (const auto& [name, path] : paths)
-            QTest::newRow(name) << path;
+        hostile::addPathRows(m_folder);
     }
     void notARegularFileIsRefusedAtOnce()
     {
