@@ -16,7 +16,7 @@ namespace kiv::cam {
 
 // Everything the emulator emulates, read from a world file (docs/emulator-world.md): camera
 // types, controllers and transports with their devices and cameras. Never changed once read.
-// Exported for the world's fuzzer.
+// Exported for the world's fuzzer and benchmark.
 class KIVCAM_EXPORT CEmulatorWorld {
 public:
     struct SController {
