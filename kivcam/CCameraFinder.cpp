@@ -2,15 +2,27 @@
 
 #include "CCameras.h"
 #include "CControllerFactory.h"
+#include "FalseOnThrow.h"
 #include "InterfaceScan.h"
 
 #include <atomic>
+#include <optional>
 
 namespace kiv::cam {
 
 namespace {
 
 std::atomic<bool> emulatorsEnabled{false};
+// The switch set on this thread since this thread's last search.
+thread_local std::optional<bool> threadEmulatorsEnabled;
+
+// The switch for a search starting on this thread, which uses up the thread's own value.
+bool takeEmulatorsEnabled()
+{
+    const bool enable = threadEmulatorsEnabled.value_or(emulatorsEnabled.load());
+    threadEmulatorsEnabled.reset();
+    return enable;
+}
 
 void refuse(SCameraInfo& camera, CString summary, CString message)
 {
@@ -54,31 +66,46 @@ void judge(SCameraInfo& camera, const TArray<CString>& controllers)
 
 bool CCameraFinder::Find(unsigned flags)
 {
-    TArray<SCameraInfo> found;
-    const bool ok = ScanInterfaces(*interfaces(), emulatorsEnabled.load(),
-        (flags & FIND_EMULATORS_ONLY) != 0, &IInterface::findCameras, found);
-    TArray<CString> controllers;
-    controllerFactory()->getControllerNames(controllers);
-    m_cameras.clear();
-    for (SCameraInfo& camera : found) {
-        if ((flags & FIND_COMPLETE) && camera.video.empty())
-            continue;
-        judge(camera, controllers);
-        m_cameras.add(std::move(camera));
-    }
-    return ok;
+    return Find(flags, std::stop_token());
 }
 
 bool CCameraFinder::Find(TArray<CString> cameraNames, unsigned flags)
 {
-    const bool ok = Find(flags);
-    TArray<SCameraInfo> kept;
-    for (SCameraInfo& camera : m_cameras) {
-        if (cameraNames.contains(camera.name))
-            kept.add(std::move(camera));
-    }
-    m_cameras = std::move(kept);
-    return ok;
+    return Find(std::move(cameraNames), flags, std::stop_token());
+}
+
+bool CCameraFinder::Find(unsigned flags, std::stop_token stop)
+{
+    const bool emulators = takeEmulatorsEnabled();
+    m_cameras.clear();
+    return FalseOnThrow([&] {
+        TArray<SCameraInfo> found;
+        const bool ok = ScanInterfaces(*interfaces(), emulators, (flags & FIND_EMULATORS_ONLY) != 0,
+            &IInterface::findCameras, found, stop);
+        TArray<CString> controllers;
+        controllerFactory()->getControllerNames(controllers);
+        for (SCameraInfo& camera : found) {
+            if ((flags & FIND_COMPLETE) && camera.video.empty())
+                continue;
+            judge(camera, controllers);
+            m_cameras.add(std::move(camera));
+        }
+        return ok;
+    });
+}
+
+bool CCameraFinder::Find(TArray<CString> cameraNames, unsigned flags, std::stop_token stop)
+{
+    const bool ok = Find(flags, std::move(stop));
+    return FalseOnThrow([&] {
+        TArray<SCameraInfo> kept;
+        for (SCameraInfo& camera : m_cameras) {
+            if (cameraNames.contains(camera.name))
+                kept.add(std::move(camera));
+        }
+        m_cameras = std::move(kept);
+        return ok;
+    });
 }
 
 SCameraInfo CCameraFinder::at(std::uint64_t index) const
@@ -91,11 +118,12 @@ SCameraInfo CCameraFinder::at(std::uint64_t index) const
 void CCameraFinder::setEnableEmulators(bool enable)
 {
     emulatorsEnabled = enable;
+    threadEmulatorsEnabled = enable;
 }
 
 bool CCameraFinder::enableEmulators()
 {
-    return emulatorsEnabled;
+    return threadEmulatorsEnabled.value_or(emulatorsEnabled.load());
 }
 
 } // namespace kiv::cam

@@ -1,11 +1,26 @@
 #include "CInterfaces.h"
 
 #include "CBackend.h"
+#include "FalseOnThrow.h"
 #include "InterfaceScan.h"
 
 namespace kiv::cam {
 
-CInterfaces::CInterfaces()
+namespace {
+
+std::atomic<std::uint64_t> catalogueCount{0};
+
+// The switch set on this thread since this thread's last device search, and the catalogue it
+// was set on.
+struct SThreadSwitch {
+    std::uint64_t catalogue = 0;
+    bool enable = false;
+};
+thread_local SThreadSwitch threadSwitch;
+
+} // namespace
+
+CInterfaces::CInterfaces() : m_id(++catalogueCount)
 {
     for (const TSharedPtr<CBackend>& backend : CBackend::all())
         backend->interfaces(m_interfaces);
@@ -36,23 +51,53 @@ int CInterfaces::interfaceCount()
 void CInterfaces::setEnableEmulators(bool enable)
 {
     m_enableEmulators = enable;
+    threadSwitch = {m_id, enable};
+}
+
+bool CInterfaces::enableEmulators() const
+{
+    return threadSwitch.catalogue == m_id ? threadSwitch.enable : m_enableEmulators.load();
+}
+
+bool CInterfaces::TakeEnableEmulators() const
+{
+    const bool enable = enableEmulators();
+    if (threadSwitch.catalogue == m_id)
+        threadSwitch = {};
+    return enable;
 }
 
 bool CInterfaces::findDevices(TArray<SDeviceInfo>& out, unsigned flags)
 {
-    return ScanInterfaces(*this, m_enableEmulators, (flags & FIND_EMULATORS_ONLY) != 0,
-        &IInterface::findDevices, out);
+    return findDevices(out, flags, std::stop_token());
 }
 
 bool CInterfaces::findDevicesOf(TArray<SDeviceInfo>& out, TArray<CString> baseTypes, unsigned flags)
 {
+    return findDevicesOf(out, std::move(baseTypes), flags, std::stop_token());
+}
+
+bool CInterfaces::findDevices(TArray<SDeviceInfo>& out, unsigned flags, std::stop_token stop)
+{
+    const bool emulators = TakeEnableEmulators();
+    return FalseOnThrow([&] {
+        return ScanInterfaces(*this, emulators, (flags & FIND_EMULATORS_ONLY) != 0,
+            &IInterface::findDevices, out, stop);
+    });
+}
+
+bool CInterfaces::findDevicesOf(
+    TArray<SDeviceInfo>& out, TArray<CString> baseTypes, unsigned flags, std::stop_token stop)
+{
     TArray<SDeviceInfo> found;
-    const bool ok = findDevices(found, flags);
-    for (SDeviceInfo& device : found) {
-        if (baseTypes.contains(device.baseType) || baseTypes.contains(device.interfaceName))
-            out.add(std::move(device));
-    }
-    return ok;
+    const bool ok = findDevices(found, flags, std::move(stop));
+    return FalseOnThrow([&] {
+        for (SDeviceInfo& device : found) {
+            if (baseTypes.contains(device.baseType) || baseTypes.contains(device.interfaceName))
+                out.add(std::move(device));
+        }
+        return ok;
+    });
 }
 
 CInterfaces* interfaces()

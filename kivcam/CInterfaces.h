@@ -8,6 +8,8 @@
 #include <kivcam/kivcam_export.h>
 
 #include <atomic>
+#include <cstdint>
+#include <stop_token>
 
 namespace kiv::cam {
 
@@ -28,20 +30,37 @@ public:
     virtual TSharedPtr<IInterface> interfaceAt(int index);
     virtual TSharedPtr<IInterface> interfaceByName(const CString& name);
     virtual int interfaceCount();
-    // Whether the following device searches include emulator transports (off at start).
+    // Whether the following device searches of this catalogue include emulator transports (off
+    // at start). The switch is the catalogue's, and also remembered for the thread that sets
+    // it, for that thread's next device search of this catalogue, by the same rule as
+    // CCameraFinder::setEnableEmulators: a task that sets it right before it searches gets its
+    // own value whatever other threads set meanwhile; a search on a thread that has set nothing
+    // since its last search uses the catalogue's value, the last one set by anybody.
     virtual void setEnableEmulators(bool enable);
     // Searches every transport at once, so a search takes as long as the slowest transport,
     // and appends one record per device, in catalogue order. False when a transport's scan
-    // failed; the devices of the others are appended all the same.
+    // failed (the devices of the others are appended all the same), and when the search itself
+    // failed (too little memory).
     virtual bool findDevices(TArray<SDeviceInfo>& out, unsigned flags);
     // The same, keeping devices whose base type or transport name is in baseTypes.
     virtual bool findDevicesOf(TArray<SDeviceInfo>& out, TArray<CString> baseTypes, unsigned flags);
+    // The same searches, stopped early when stop is requested: every transport's scan is handed
+    // stop and wakes on it (see IInterface), so the search ends soon after, with false and the
+    // devices found so far.
+    virtual bool findDevices(TArray<SDeviceInfo>& out, unsigned flags, std::stop_token stop);
+    virtual bool findDevicesOf(
+        TArray<SDeviceInfo>& out, TArray<CString> baseTypes, unsigned flags, std::stop_token stop);
 
-    bool enableEmulators() const { return m_enableEmulators; }
+    // The value the calling thread's next device search of this catalogue uses.
+    bool enableEmulators() const;
 
 private:
+    // The switch for a search starting on this thread, which uses up the thread's own value.
+    bool TakeEnableEmulators() const;
+
     TArray<TSharedPtr<IInterface>> m_interfaces;
     std::atomic<bool> m_enableEmulators{false};
+    const std::uint64_t m_id; // tells this catalogue's switch from another's in a thread's memory
 };
 
 KIVCAM_EXPORT CInterfaces* interfaces();

@@ -54,20 +54,24 @@ bool CParameters::Exists(const CString& name) const
 
 CParameters::CEntry& CParameters::Add(const CEntry& entry)
 {
-    const int index = IndexOf(entry.name);
-    if (index < 0)
+    if (const int index = IndexOf(entry.name); index >= 0) {
+        m_entries[index] = entry;
+        return m_entries[index];
+    }
+    m_index.assign(entry.name.view(), m_entries.count());
+    try {
         return m_entries.add(entry);
-    m_entries[index] = entry;
-    return m_entries[index];
+    } catch (...) {
+        m_index.erase(entry.name.view());
+        throw;
+    }
 }
 
 int CParameters::IndexOf(const CString& name) const
 {
-    for (int i = 0; i < m_entries.count(); ++i) {
-        if (m_entries[i].name == name)
-            return i;
-    }
-    return -1;
+    const int index = m_index.find(name.view());
+    // An entry renamed in place keeps its old key, which must not find it.
+    return index >= 0 && m_entries[index].name == name ? index : -1;
 }
 
 } // namespace kiv::cam

@@ -46,13 +46,20 @@ struct KIVCAM_EXPORT SCameraInfo {
     CString firmwareVersion;
     bool emulated = false;
 
+    // The largest camera description read, in bytes. A description is a few kilobytes; the
+    // bound leaves room for a thousand times that and keeps a hostile file from taking the
+    // memory and the time of the GUI thread that loads it (docs/camera-description.md).
+    static constexpr std::uint64_t maxFileSize = 4 * 1024 * 1024;
+
     // Each Load fills the record from a camera description and gives true; on any failure
-    // (missing, empty, truncated or malformed file, XML of another kind) it gives false and
-    // leaves the record as it was.
+    // (missing, empty, truncated or malformed file, XML of another kind, a file larger than
+    // maxFileSize, a path that names no regular file, too little memory) it gives false and
+    // leaves the record as it was. Text that is not valid UTF-8 is repaired, not refused.
     bool Load(const CStringW& path);
     bool Load(TSharedPtr<IFile> file);
-    // Writes a camera description atomically: the file is either the old one or the new one,
-    // never a mix, whatever happens during the write.
+    // Writes a camera description atomically and durably: once it gives true the file is the
+    // new one and stays so through a power cut; until then it is the old one, never a mix,
+    // whatever happens during the write. What it writes is always well-formed UTF-8 XML.
     bool Save(const CStringW& path) const;
 };
 

@@ -2,6 +2,10 @@
 
 #include <kiv/PixelType.h>
 
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QString>
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -28,6 +32,32 @@ constexpr std::array<std::pair<std::string_view, CVariant::EType>, 15> typeNames
     {"guid", CVariant::TYPE_GUID},
     {"enum", CVariant::TYPE_ENUM},
 }};
+
+bool isXmlCharacter(char16_t unit)
+{
+    // Surrogates come in pairs out of UTF-8 decoding, and the characters they make are allowed.
+    return unit >= 0x20 ? unit != 0xFFFE && unit != 0xFFFF
+                        : unit == '\t' || unit == '\n' || unit == '\r';
+}
+
+// The quick check of RepairText, for the usual text that needs nothing.
+bool isXmlText(std::string_view text)
+{
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if ((byte < 0x20 && !isXmlCharacter(byte))
+            || (byte == 0xEF
+                && (text.substr(i + 1, 2) == "\xBF\xBE" || text.substr(i + 1, 2) == "\xBF\xBF")))
+            return false;
+    }
+    return QByteArrayView(text.data(), static_cast<qsizetype>(text.size())).isValidUtf8();
+}
+
+// The text of an attribute, repaired.
+CString text(pugi::xml_attribute attribute)
+{
+    return RepairText(attribute.value());
+}
 
 bool fail(SError& error, pugi::xml_node node, std::string reason)
 {
@@ -106,7 +136,7 @@ struct SWriter {
 
     void operator()(const char* name, const CString& value)
     {
-        parent.append_child(name).text().set(value.data());
+        parent.append_child(name).text().set(RepairText(value.view()).data());
     }
     void operator()(const char* name, const SDeviceInfo& device)
     {
@@ -144,7 +174,7 @@ struct SReader {
     void operator()(const char* name, CString& value)
     {
         if (const pugi::xml_node node = find(name))
-            value = node.text().get();
+            value = RepairText(node.text().get());
     }
     void operator()(const char* name, SDeviceInfo& device)
     {
@@ -209,24 +239,39 @@ bool readRecord(pugi::xml_node element, Record& record, SError& error, Visit vis
 
 } // namespace
 
+CString RepairText(std::string_view text)
+{
+    if (isXmlText(text))
+        return CString(text);
+    // Qt's UTF-8 decoding replaces what is ill-formed.
+    QString decoded = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    for (QChar& unit : decoded) {
+        if (!isXmlCharacter(unit.unicode()))
+            unit = QChar::ReplacementCharacter;
+    }
+    const QByteArray repaired = decoded.toUtf8();
+    return CString(
+        std::string_view(repaired.constData(), static_cast<std::size_t>(repaired.size())));
+}
+
 void WriteParameters(pugi::xml_node element, const CParameters& parameters)
 {
     for (unsigned i = 0; i < parameters.count(); ++i) {
         const CParameters::CEntry& entry = parameters[i];
         pugi::xml_node node = element.append_child("parameter");
-        node.append_attribute("name") = entry.name.data();
-        node.append_attribute("displayName") = entry.displayName.data();
-        node.append_attribute("description") = entry.description.data();
+        node.append_attribute("name") = RepairText(entry.name.view()).data();
+        node.append_attribute("displayName") = RepairText(entry.displayName.view()).data();
+        node.append_attribute("description") = RepairText(entry.description.view()).data();
         node.append_attribute("editLevel") = static_cast<int>(entry.editLevel);
         const CVariant& value = entry.value();
         for (const auto& [typeName, type] : typeNames) {
             if (type == value.getType())
                 node.append_attribute("type") = std::string(typeName).c_str();
         }
-        node.append_attribute("value") = value.ToString().data();
+        node.append_attribute("value") = RepairText(value.ToString().view()).data();
         for (int item = 0; item < value.GetEnumCount(); ++item) {
             pugi::xml_node itemNode = node.append_child("item");
-            itemNode.append_attribute("name") = value.GetEnumName(item).data();
+            itemNode.append_attribute("name") = RepairText(value.GetEnumName(item).view()).data();
             itemNode.append_attribute("value") = value.GetEnumValue(item);
         }
     }
@@ -246,8 +291,8 @@ bool ReadParameters(pugi::xml_node element, CParameters& parameters, SError& err
 {
     CParameters read;
     for (const pugi::xml_node node : element.children("parameter")) {
-        const char* name = node.attribute("name").value();
-        if (!*name)
+        const CString name = text(node.attribute("name"));
+        if (name.empty())
             return fail(error, node, "parameter without a name");
         const char* typeName = node.attribute("type").value();
         CVariant::EType type = CVariant::TYPE_EMPTY;
@@ -276,19 +321,18 @@ bool ReadParameters(pugi::xml_node element, CParameters& parameters, SError& err
                 CVariant itemValue;
                 if (!parseNumber(item.attribute("value").value(), CVariant::TYPE_INT64, itemValue))
                     return fail(error, item, "enumeration item without a whole-number value");
-                items.add({CString(item.attribute("name").value()), itemValue.ToInt64()});
+                items.add({text(item.attribute("name")), itemValue.ToInt64()});
             }
             if (items.empty())
                 return fail(error, node, "enumeration without items");
             value = CVariant::Enum(items, items[0].value);
         }
         if (const pugi::xml_attribute source = node.attribute("value");
-            source && type != CVariant::TYPE_EMPTY && !value.Assign(CVariant(source.value()))) {
+            source && type != CVariant::TYPE_EMPTY && !value.Assign(CVariant(text(source)))) {
             return fail(error, node,
                 std::string("value \"") + source.value() + "\" does not fit type " + typeName);
         }
-        read.Add({CString(name), CString(node.attribute("displayName").value()),
-            CString(node.attribute("description").value()),
+        read.Add({name, text(node.attribute("displayName")), text(node.attribute("description")),
             static_cast<CParameters::EEditLevel>(editLevel), value});
     }
     parameters = read;

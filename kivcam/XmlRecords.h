@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <pugixml.hpp>
 #include <string>
+#include <string_view>
 
 // The XML form of the camera library's records, shared by camera description files and the
 // emulator's world files; docs/camera-description.md describes it.
@@ -17,6 +18,13 @@ struct SError {
     pugi::xml_node node;
     std::string reason;
 };
+
+// Text as XML can carry it: valid UTF-8 of characters that XML 1.0 allows. Ill-formed UTF-8
+// and the characters XML cannot hold (control characters other than tab, line feed and carriage
+// return; U+FFFE and U+FFFF) become U+FFFD, the replacement character. Every text read from a
+// file and every text written to one passes through here, so files are read without refusing
+// text and always written well-formed.
+CString RepairText(std::string_view text);
 
 // Each Write* fills an empty element with the record's fields as child elements.
 void WriteParameters(pugi::xml_node element, const CParameters& parameters);

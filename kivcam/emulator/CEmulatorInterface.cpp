@@ -3,7 +3,6 @@
 #include "CEmulatorDevice.h"
 
 #include <chrono>
-#include <thread>
 
 namespace kiv::cam {
 
@@ -26,20 +25,18 @@ TSharedPtr<IDevice> CEmulatorInterface::createDevice()
     return TSharedPtr<IDevice>(new CEmulatorDevice(name, m_devices));
 }
 
-bool CEmulatorInterface::findDevices(TArray<SDeviceInfo>& out)
+bool CEmulatorInterface::findDevices(TArray<SDeviceInfo>& out, std::stop_token stop)
 {
-    scan();
-    if (scanFails)
+    if (!scan(stop))
         return false;
     for (const SEmulatedDevice& device : *m_devices)
         out.add(device.info);
     return true;
 }
 
-bool CEmulatorInterface::findCameras(TArray<SCameraInfo>& out)
+bool CEmulatorInterface::findCameras(TArray<SCameraInfo>& out, std::stop_token stop)
 {
-    scan();
-    if (scanFails)
+    if (!scan(stop))
         return false;
     for (const SEmulatedCamera& camera : m_cameras)
         out.add(camera.info);
@@ -55,10 +52,13 @@ void CEmulatorInterface::complete(SDeviceInfo& device) const
         device.baseType = baseType;
 }
 
-void CEmulatorInterface::addDevice(SEmulatedDevice device)
+bool CEmulatorInterface::addDevice(SEmulatedDevice device)
 {
+    if (!m_deviceIndex.insert(device.info.deviceName.view(), m_devices->count()))
+        return false;
     complete(device.info);
     m_devices->add(std::move(device));
+    return true;
 }
 
 void CEmulatorInterface::addCamera(SEmulatedCamera camera)
@@ -68,7 +68,8 @@ void CEmulatorInterface::addCamera(SEmulatedCamera camera)
 
 const SEmulatedDevice* CEmulatorInterface::device(const CString& deviceName) const
 {
-    return FindEmulatedDevice(*m_devices, deviceName);
+    const int position = m_deviceIndex.find(deviceName.view());
+    return position < 0 ? nullptr : &(*m_devices)[position];
 }
 
 bool CEmulatorInterface::cameraConnectFails(const CString& deviceName, const CString& serial) const
@@ -80,9 +81,9 @@ bool CEmulatorInterface::cameraConnectFails(const CString& deviceName, const CSt
     return false;
 }
 
-void CEmulatorInterface::scan() const
+bool CEmulatorInterface::scan(const std::stop_token& stop) const
 {
-    std::this_thread::sleep_for(std::chrono::milliseconds(scanDelay));
+    return Wait(std::chrono::milliseconds(scanDelay), stop) && !scanFails;
 }
 
 } // namespace kiv::cam

@@ -3,7 +3,9 @@
 #include <kiv/CString.h>
 #include <kiv/TArray.h>
 #include <kiv/TSharedPtr.h>
+#include <kivcam/CNameIndex.h>
 #include <kivcam/IInterface.h>
+#include <kivcam/kivcam_export.h>
 
 namespace kiv::cam {
 
@@ -24,20 +26,21 @@ const SEmulatedDevice* FindEmulatedDevice(
     const TArray<SEmulatedDevice>& devices, const CString& deviceName);
 
 // A transport of the emulator's world. It is filled while the world is read and only read
-// afterwards, so its scans may run on any thread.
-class CEmulatorInterface : public IInterface {
+// afterwards, so its scans may run on any thread. Exported, like the world, for the world's
+// fuzzer.
+class KIVCAM_EXPORT CEmulatorInterface : public IInterface {
 public:
     CEmulatorInterface();
 
     TSharedPtr<IDevice> createDevice() override;
-    bool findDevices(TArray<SDeviceInfo>& out) override;
-    bool findCameras(TArray<SCameraInfo>& out) override;
+    bool findDevices(TArray<SDeviceInfo>& out, std::stop_token stop) override;
+    bool findCameras(TArray<SCameraInfo>& out, std::stop_token stop) override;
 
     // Fills in what a device record of this transport leaves out: the transport's name, and
     // its icon and base type unless the record gives its own.
     void complete(SDeviceInfo& device) const;
-    // Adds a device, completed.
-    void addDevice(SEmulatedDevice device);
+    // Adds a device, completed, unless the transport has a device of that name; false then.
+    bool addDevice(SEmulatedDevice device);
     void addCamera(SEmulatedCamera camera);
 
     const TArray<SEmulatedDevice>& devices() const { return *m_devices; }
@@ -45,14 +48,16 @@ public:
     // Whether the world marks the camera of that serial on that device as failing to connect.
     bool cameraConnectFails(const CString& deviceName, const CString& serial) const;
 
-    int scanDelay = 0; // milliseconds each scan takes
+    int scanDelay = 0; // milliseconds each scan takes, unless it is stopped
     bool scanFails = false;
 
 private:
-    void scan() const;
+    // Whether a scan succeeds: it takes scanDelay, or less when stopped, which fails it.
+    bool scan(const std::stop_token& stop) const;
 
     // Shared with the devices this transport creates, which may outlive it.
     TSharedPtr<TArray<SEmulatedDevice>> m_devices;
+    CNameIndex m_deviceIndex; // positions in m_devices by device name
     TArray<SEmulatedCamera> m_cameras;
 };
 

@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -26,27 +27,38 @@ void report(const CString& source, int line, const std::string& reason)
         strprintf("kivcam: %s:%d: %s\n", source.data(), line, reason.c_str()).data());
 }
 
-CString nameOfController(const CEmulatorWorld::SController& controller)
-{
-    return controller.name;
-}
-
-CString nameOfType(const TSharedPtr<ICamera>& type)
-{
-    return type->name;
-}
-
-CString nameOfInterface(const TSharedPtr<CEmulatorInterface>& transport)
-{
-    return transport->name;
-}
-
+// The item of that name, through the index of its list; null when there is none.
 template <typename T>
-const T* findByName(const TArray<T>& items, const CString& name, CString (*nameOf)(const T&))
+const T* findByName(const TArray<T>& items, const CNameIndex& index, const CString& name)
 {
-    const T* found = std::find_if(
-        items.begin(), items.end(), [&](const T& item) { return nameOf(item) == name; });
-    return found == items.end() ? nullptr : found;
+    const int position = index.find(name.view());
+    return position < 0 ? nullptr : &items[position];
+}
+
+// The text of an attribute, repaired where it is not valid UTF-8.
+CString attributeText(pugi::xml_node node, const char* name)
+{
+    return xml::RepairText(node.attribute(name).value());
+}
+
+CString childText(pugi::xml_node node, const char* name)
+{
+    return xml::RepairText(node.child(name).text().get());
+}
+
+// The text of a world file, or of a resource of the library's own.
+bool readFile(const CString& path, std::string& text, CString& error)
+{
+    if (!path.view().starts_with(":/"))
+        return platform::ReadRegularFile(CStringW(path), CEmulatorWorld::maxFileSize, text, error);
+    QFile resource(QString::fromUtf8(path.view().data(), static_cast<qsizetype>(path.length())));
+    if (!resource.open(QIODevice::ReadOnly)) {
+        error = resource.errorString().toUtf8().constData();
+        return false;
+    }
+    const QByteArray bytes = resource.readAll();
+    text.assign(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    return true;
 }
 
 } // namespace
@@ -88,15 +100,13 @@ private:
         return false;
     }
 
-    // A required name attribute, unique among names.
-    template <typename T>
-    bool readName(
-        pugi::xml_node node, const TArray<T>& others, CString (*nameOf)(const T&), CString& name)
+    // A required name attribute, unique in its list: taken into the list's index at position.
+    bool readName(pugi::xml_node node, CNameIndex& index, int position, CString& name)
     {
-        name = node.attribute("name").value();
+        name = attributeText(node, "name");
         if (name.empty())
             return fail(node, std::string("<") + node.name() + "> without a name");
-        if (findByName(others, name, nameOf))
+        if (!index.insert(name.view(), position))
             return fail(
                 node, std::string("a second <") + node.name() + "> named \"" + name.data() + "\"");
         return true;
@@ -145,7 +155,8 @@ private:
     bool readController(pugi::xml_node node)
     {
         SController controller;
-        if (!readName(node, m_world.m_controllers, nameOfController, controller.name)
+        if (!readName(
+                node, m_world.m_controllerIndex, m_world.m_controllers.count(), controller.name)
             || !readFlag(node, "connectFails", controller.connectFails)
             || !readDelay(node, "connectDelay", controller.connectDelay))
             return false;
@@ -156,16 +167,17 @@ private:
     bool readCameraType(pugi::xml_node node)
     {
         const TSharedPtr<ICamera> type = MakeShared<ICamera>();
-        if (!readName(node, m_world.m_cameraTypes, nameOfType, type->name))
+        if (!readName(node, m_world.m_cameraTypeIndex, m_world.m_cameraTypes.count(), type->name))
             return false;
-        type->iconName = node.attribute("iconName").value();
-        type->displayName = node.attribute("displayName").as_string(type->name.data());
-        type->controller = node.attribute("controller").value();
-        type->description = node.child("description").text().get();
+        type->iconName = attributeText(node, "iconName");
+        type->displayName
+            = node.attribute("displayName") ? attributeText(node, "displayName") : type->name;
+        type->controller = attributeText(node, "controller");
+        type->description = childText(node, "description");
         for (const pugi::xml_node model : node.children("model"))
-            type->models.add(CString(model.text().get()));
+            type->models.add(xml::RepairText(model.text().get()));
         for (const pugi::xml_node baseType : node.children("baseType"))
-            type->baseTypes.add(CString(baseType.text().get()));
+            type->baseTypes.add(xml::RepairText(baseType.text().get()));
 
         SCameraInfo& info = type->defaultInfo;
         info.iconName = type->iconName;
@@ -181,12 +193,14 @@ private:
     bool readInterface(pugi::xml_node node)
     {
         const TSharedPtr<CEmulatorInterface> transport = MakeShared<CEmulatorInterface>();
-        if (!readName(node, m_world.m_interfaces, nameOfInterface, transport->name))
+        if (!readName(
+                node, m_world.m_interfaceIndex, m_world.m_interfaces.count(), transport->name))
             return false;
-        transport->icon = node.attribute("icon").value();
-        transport->displayName = node.attribute("displayName").as_string(transport->name.data());
-        transport->baseType = node.attribute("baseType").value();
-        transport->description = node.child("description").text().get();
+        transport->icon = attributeText(node, "icon");
+        transport->displayName
+            = node.attribute("displayName") ? attributeText(node, "displayName") : transport->name;
+        transport->baseType = attributeText(node, "baseType");
+        transport->description = childText(node, "description");
         transport->isEmulator = true;
         if (!readFlag(node, "comm", transport->comm) || !readFlag(node, "video", transport->video)
             || !readFlag(node, "emulator", transport->isEmulator)
@@ -203,10 +217,10 @@ private:
                 return false;
             if (device.info.deviceName.empty())
                 return fail(deviceNode, "<device> without deviceName");
-            if (transport->device(device.info.deviceName))
-                return fail(deviceNode,
-                    std::string("a second device named \"") + device.info.deviceName.data() + "\"");
-            transport->addDevice(device);
+            const CString name = device.info.deviceName;
+            if (!transport->addDevice(std::move(device)))
+                return fail(
+                    deviceNode, std::string("a second device named \"") + name.data() + "\"");
         }
         m_world.m_interfaces.add(transport);
         return true;
@@ -228,10 +242,10 @@ private:
     bool readAttachedCamera(
         pugi::xml_node node, CEmulatorInterface& transport, const SDeviceInfo& comm)
     {
-        const char* typeName = node.attribute("type").value();
+        const CString typeName = attributeText(node, "type");
         const TSharedPtr<ICamera> type = m_world.cameraType(typeName);
         if (!type)
-            return fail(node, std::string("unknown camera type \"") + typeName + "\"");
+            return fail(node, std::string("unknown camera type \"") + typeName.data() + "\"");
         SEmulatedCamera camera;
         camera.info = type->defaultInfo;
         if (!readCamera(node, camera.info) || !readFlag(node, "connectFails", camera.connectFails)
@@ -247,7 +261,8 @@ private:
     // The device named by the video attribute, "<interface>/<device>"; none without it.
     bool findVideo(pugi::xml_node node, SDeviceInfo& video)
     {
-        const std::string_view reference = node.attribute("video").value();
+        const CString attribute = attributeText(node, "video");
+        const std::string_view reference = attribute.view();
         video = {};
         if (reference.empty())
             return true;
@@ -271,49 +286,56 @@ private:
 TSharedPtr<const CEmulatorWorld> CEmulatorWorld::Load(
     const char* text, std::size_t size, const CString& source)
 {
-    pugi::xml_document document;
-    const pugi::xml_parse_result parsed = document.load_buffer(text, size);
-    if (!parsed) {
-        const std::ptrdiff_t offset
-            = std::clamp<std::ptrdiff_t>(parsed.offset, 0, static_cast<std::ptrdiff_t>(size));
-        report(source, xml::LineAt(offset, text, size), parsed.description());
-        return MakeShared<CEmulatorWorld>();
+    try {
+        pugi::xml_document document;
+        const pugi::xml_parse_result parsed = document.load_buffer(text, size);
+        if (!parsed) {
+            const std::ptrdiff_t offset
+                = std::clamp<std::ptrdiff_t>(parsed.offset, 0, static_cast<std::ptrdiff_t>(size));
+            report(source, xml::LineAt(offset, text, size), parsed.description());
+            return MakeShared<CEmulatorWorld>();
+        }
+        const TSharedPtr<CEmulatorWorld> world = MakeShared<CEmulatorWorld>();
+        xml::SError error;
+        if (!CReader(*world, error).read(document.document_element())) {
+            report(source, xml::LineOf(error.node, text, size), error.reason);
+            return MakeShared<CEmulatorWorld>();
+        }
+        return world;
+    } catch (const std::bad_alloc&) {
+        report(source, 0, "out of memory");
+    } catch (const std::exception& failure) {
+        report(source, 0, failure.what());
     }
-    const TSharedPtr<CEmulatorWorld> world = MakeShared<CEmulatorWorld>();
-    xml::SError error;
-    if (!CReader(*world, error).read(document.document_element())) {
-        report(source, xml::LineOf(error.node, text, size), error.reason);
-        return MakeShared<CEmulatorWorld>();
-    }
-    return world;
+    return MakeShared<CEmulatorWorld>();
 }
 
 TSharedPtr<const CEmulatorWorld> CEmulatorWorld::LoadFile(const CString& path)
 {
-    QFile file(QString::fromUtf8(path.view().data(), static_cast<qsizetype>(path.view().size())));
-    if (!file.open(QIODevice::ReadOnly)) {
-        report(path, 0, "cannot read the world: " + file.errorString().toStdString());
+    std::string text;
+    CString error;
+    if (!readFile(path, text, error)) {
+        report(path, 0, std::string("cannot read the world: ") + error.data());
         return MakeShared<CEmulatorWorld>();
     }
-    const QByteArray bytes = file.readAll();
-    return Load(bytes.constData(), static_cast<std::size_t>(bytes.size()), path);
+    return Load(text.data(), text.size(), path);
 }
 
 TSharedPtr<ICamera> CEmulatorWorld::cameraType(const CString& name) const
 {
-    const TSharedPtr<ICamera>* type = findByName(m_cameraTypes, name, nameOfType);
+    const TSharedPtr<ICamera>* type = findByName(m_cameraTypes, m_cameraTypeIndex, name);
     return type ? *type : TSharedPtr<ICamera>();
 }
 
 const CEmulatorWorld::SController* CEmulatorWorld::controller(const CString& name) const
 {
-    return findByName(m_controllers, name, nameOfController);
+    return findByName(m_controllers, m_controllerIndex, name);
 }
 
 TSharedPtr<CEmulatorInterface> CEmulatorWorld::interfaceByName(const CString& name) const
 {
     const TSharedPtr<CEmulatorInterface>* transport
-        = findByName(m_interfaces, name, nameOfInterface);
+        = findByName(m_interfaces, m_interfaceIndex, name);
     return transport ? *transport : TSharedPtr<CEmulatorInterface>();
 }
 

@@ -3,17 +3,21 @@
 #include <kiv/CString.h>
 #include <kiv/TArray.h>
 #include <kiv/TSharedPtr.h>
+#include <kivcam/CNameIndex.h>
 #include <kivcam/ICamera.h>
 #include <kivcam/SCameraInfo.h>
 #include <kivcam/emulator/CEmulatorInterface.h>
+#include <kivcam/kivcam_export.h>
 
 #include <cstddef>
+#include <cstdint>
 
 namespace kiv::cam {
 
 // Everything the emulator emulates, read from a world file (docs/emulator-world.md): camera
 // types, controllers and transports with their devices and cameras. Never changed once read.
-class CEmulatorWorld {
+// Exported for the world's fuzzer and benchmark.
+class KIVCAM_EXPORT CEmulatorWorld {
 public:
     struct SController {
         CString name;
@@ -21,13 +25,20 @@ public:
         int connectDelay = 0; // milliseconds each connect takes
     };
 
-    // The world in text; source names it in messages. A world that cannot be read is reported
+    // The largest world file read, in bytes. Worlds are written by hand or generated for tests
+    // and benchmarks; the bound holds a world of a hundred thousand devices or parameters and
+    // keeps a hostile file from taking the process's memory (docs/emulator-world.md).
+    static constexpr std::uint64_t maxFileSize = 32 * 1024 * 1024;
+
+    // The world in text; source names it in messages. Loading takes time in proportion to the
+    // size of the text. A world that cannot be read (too little memory included) is reported
     // once through kiv::platform::DebugOutput, as "kivcam: <source>:<line>: <reason>", and
-    // gives an empty world.
+    // gives an empty world. Text that is not valid UTF-8 is repaired, not refused.
     static TSharedPtr<const CEmulatorWorld> Load(
         const char* text, std::size_t size, const CString& source);
-    // The same for a file, or a Qt resource (":/..."); a file that cannot be opened is
-    // reported at line 0.
+    // The same for a file, or a Qt resource (":/..."). A file that cannot be read - missing,
+    // not a regular file (a FIFO, a device, a directory, a socket: refused without waiting),
+    // larger than maxFileSize - is reported at line 0.
     static TSharedPtr<const CEmulatorWorld> LoadFile(const CString& path);
 
     const TArray<TSharedPtr<ICamera>>& cameraTypes() const { return m_cameraTypes; }
@@ -47,6 +58,10 @@ private:
     TArray<TSharedPtr<ICamera>> m_cameraTypes;
     TArray<SController> m_controllers;
     TArray<TSharedPtr<CEmulatorInterface>> m_interfaces;
+    // The positions of the above by name.
+    CNameIndex m_cameraTypeIndex;
+    CNameIndex m_controllerIndex;
+    CNameIndex m_interfaceIndex;
 };
 
 } // namespace kiv::cam

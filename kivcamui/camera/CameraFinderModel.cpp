@@ -18,9 +18,12 @@ CameraFinderModel::CameraFinderModel(QObject* parent) : QObject(parent)
         m_search->enableEmulators = true;
 }
 
-// A search still running keeps its own share of the search state and ends on its own; nobody
-// waits for it, and its result goes nowhere.
-CameraFinderModel::~CameraFinderModel() = default;
+// A search still running is stopped: its transports' scans wake up and it ends soon after, with
+// its own share of the search state. Nobody waits for it, and its result goes nowhere.
+CameraFinderModel::~CameraFinderModel()
+{
+    m_stop.request_stop();
+}
 
 void CameraFinderModel::setEnableEmulators(bool enable)
 {
@@ -59,14 +62,17 @@ void CameraFinderModel::scan()
     TArray<CString> names;
     for (const QString& name : std::as_const(m_supportedCameras))
         names.add(toCString(name));
-    m_watcher.setFuture(QtConcurrent::run(
-        QThreadPool::globalInstance(), [search = m_search, names = std::move(names)]() mutable {
+    m_stop = std::stop_source();
+    // The emulator switch is set on the pool thread right before the search, which uses the
+    // value set on its own thread: another model searching at the same time cannot change it.
+    m_watcher.setFuture(QtConcurrent::run(QThreadPool::globalInstance(),
+        [search = m_search, names = std::move(names), stop = m_stop.get_token()]() mutable {
             CCameraFinder::setEnableEmulators(search->enableEmulators);
             const unsigned flags
                 = (search->commOnly ? CCameraFinder::FIND_COMM : CCameraFinder::FIND_COMPLETE)
                 | (search->emulatorsOnly ? CCameraFinder::FIND_EMULATORS_ONLY : 0u);
-            return names.empty() ? search->finder.Find(flags)
-                                 : search->finder.Find(std::move(names), flags);
+            return names.empty() ? search->finder.Find(flags, stop)
+                                 : search->finder.Find(std::move(names), flags, stop);
         }));
 }
 
@@ -96,6 +102,9 @@ CameraInfo* CameraFinderModel::loadCameraInfo(const QString& fname)
 
 CameraInfo* CameraFinderModel::loadCameraInfoFromString(const QString& xmlFragment)
 {
+    // Each UTF-16 unit takes a byte or more in UTF-8: a text this long is refused uncopied.
+    if (static_cast<std::uint64_t>(xmlFragment.size()) > SCameraInfo::maxFileSize)
+        return nullptr;
     // The file reads the bytes in place; they outlive the loading.
     QByteArray bytes = xmlFragment.toUtf8();
     TSharedPtr<CMemFile> file = CMemFile::Create();

@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <memory>
+#include <stop_token>
 
 namespace kiv::cam::ui {
 
@@ -64,7 +65,7 @@ private slots:
 private:
     // What the search task uses: the finder with its results, and the switches the task reads
     // when it starts. Shared with the task, so that a model destroyed while it searches neither
-    // waits for the search nor leaves it working on freed memory.
+    // waits for the search nor leaves it working on freed memory; m_stop ends such a search.
     struct SSearch {
         CCameraFinder finder;
         std::atomic<bool> enableEmulators{false};
@@ -74,6 +75,7 @@ private:
 
     QFutureWatcher<bool> m_watcher;
     std::shared_ptr<SSearch> m_search = std::make_shared<SSearch>();
+    std::stop_source m_stop; // of the running search
     ObjectListModel m_cameras{true};
     bool m_scanning = false;
     bool m_scanned = false;

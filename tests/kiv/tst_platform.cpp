@@ -1,3 +1,5 @@
+#include "../HostileFiles.h"
+
 #include <kiv/CFileSystem.h>
 #include <kiv/Platform.h>
 
@@ -12,6 +14,7 @@
 #error "PLATFORM_MODULE and PLATFORM_UNRESOLVED_MODULE must name the test modules' files"
 #endif
 
+using kiv::CString;
 using kiv::CStringW;
 namespace platform = kiv::platform;
 
@@ -52,6 +55,8 @@ using AnswerFunction = int (*)();
 
 class tst_Platform : public QObject {
     Q_OBJECT
+
+    QTemporaryDir m_folder;
 
 private slots:
     void init()
@@ -181,6 +186,63 @@ private slots:
     {
         QVERIFY(platform::FindSymbol(nullptr, "kivTestAnswer") == nullptr);
         platform::CloseLibrary(nullptr);
+    }
+    void readsARegularFileWhole()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath("six.txt");
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("hello\n") == 6);
+        file.close();
+        std::string content = "old";
+        CString error;
+        QVERIFY(platform::ReadRegularFile(toCStringW(path), 6, content, error));
+        QCOMPARE(QByteArray::fromStdString(content), QByteArray("hello\n"));
+        QVERIFY(!platform::ReadRegularFile(toCStringW(path), 5, content, error));
+        QVERIFY(content.empty());
+        QCOMPARE(QByteArray(error.c_str()), QByteArray("larger than 5 bytes"));
+    }
+    void fileLargerThanItsSizeSaysIsRefused()
+    {
+        // A file of the proc file system tells size 0 and has more: its reading is bounded all
+        // the same.
+        std::string content;
+        CString error;
+        QVERIFY(platform::ReadRegularFile(CStringW("/proc/self/status"), 1 << 20, content, error));
+        QVERIFY(QByteArray::fromStdString(content).contains("Name:"));
+        QVERIFY(!platform::ReadRegularFile(CStringW("/proc/self/status"), 10, content, error));
+        QVERIFY(content.empty());
+        QCOMPARE(QByteArray(error.c_str()), QByteArray("larger than 10 bytes"));
+    }
+    void refusesWhatIsNotARegularFile_data()
+    {
+        hostile::addPathRows(m_folder);
+    }
+    void refusesWhatIsNotARegularFile()
+    {
+        // A FIFO would block in open and a device read without end: refused before either.
+        QFETCH(QString, path);
+        std::string content;
+        CString error;
+        QVERIFY(!platform::ReadRegularFile(toCStringW(path), 1 << 20, content, error));
+        QVERIFY(content.empty());
+        QCOMPARE(QByteArray(error.c_str()), QByteArray("not a regular file"));
+    }
+    void missingFileSaysWhy()
+    {
+        std::string content;
+        CString error;
+        QVERIFY(!platform::ReadRegularFile(
+            toCStringW(m_folder.filePath("missing.txt")), 100, content, error));
+        QCOMPARE(QByteArray(error.c_str()), QByteArray("No such file or directory"));
+        QVERIFY(!platform::ReadRegularFile(CStringW(), 100, content, error));
+    }
+    void syncsFolders()
+    {
+        QVERIFY(platform::SyncFolder(toCStringW(m_folder.path())));
+        QVERIFY(!platform::SyncFolder(toCStringW(m_folder.filePath("missing"))));
+        QVERIFY(!platform::SyncFolder(CStringW("/proc/self/status")));
+        QVERIFY(!platform::SyncFolder(CStringW()));
     }
     void debugOutputReachesHandler()
     {

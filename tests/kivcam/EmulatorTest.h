@@ -78,14 +78,14 @@ inline SDeviceInfo byName(
 inline TArray<SCameraInfo> camerasOf(const char* transport)
 {
     TArray<SCameraInfo> cameras;
-    interfaces()->interfaceByName(transport)->findCameras(cameras);
+    interfaces()->interfaceByName(transport)->findCameras(cameras, {});
     return cameras;
 }
 
 inline TArray<SDeviceInfo> devicesOf(const char* transport)
 {
     TArray<SDeviceInfo> devices;
-    interfaces()->interfaceByName(transport)->findDevices(devices);
+    interfaces()->interfaceByName(transport)->findDevices(devices, {});
     return devices;
 }
 

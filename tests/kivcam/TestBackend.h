@@ -6,6 +6,7 @@
 
 #include <kivcam/CBackend.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -24,6 +25,11 @@ struct SScanControl {
     static inline std::mutex mutex;
     static inline std::condition_variable arrived;
     static inline int waiting = 0;
+    // When on, the scan of "TestGrabber" waits for a minute unless it is stopped; stopped
+    // counts the scans that a stop request woke.
+    static inline std::atomic<bool> hold{false};
+    static inline std::atomic<int> stopped{0};
+    static inline std::atomic<int> holding{0};
 
     static bool meet()
     {
@@ -85,17 +91,17 @@ public:
         defaultDevice = makeDevice(transport, "", base);
     }
     TSharedPtr<IDevice> createDevice() override { return TSharedPtr<IDevice>(new CTestDevice); }
-    bool findDevices(TArray<SDeviceInfo>& out) override
+    bool findDevices(TArray<SDeviceInfo>& out, std::stop_token stop) override
     {
-        if (!scanStarts())
+        if (!scanStarts(stop))
             return false;
         for (const SDeviceInfo& device : devices)
             out.add(device);
         return true;
     }
-    bool findCameras(TArray<SCameraInfo>& out) override
+    bool findCameras(TArray<SCameraInfo>& out, std::stop_token stop) override
     {
-        if (!scanStarts())
+        if (!scanStarts(stop))
             return false;
         for (const SCameraInfo& camera : cameras)
             out.add(camera);
@@ -107,10 +113,17 @@ public:
     bool broken = false;
 
 private:
-    bool scanStarts() const
+    bool scanStarts(const std::stop_token& stop) const
     {
         if (broken)
             return !SScanControl::failBroken;
+        if (SScanControl::hold && name == CString("TestGrabber")) {
+            ++SScanControl::holding;
+            if (Wait(std::chrono::minutes(1), stop))
+                return true;
+            ++SScanControl::stopped;
+            return false;
+        }
         if (name == CString("TestSerial") || name == CString("TestGrabber"))
             return SScanControl::meet();
         return true;

@@ -5,6 +5,10 @@
 
 #include <QTest>
 
+#include <barrier>
+#include <stop_token>
+#include <thread>
+
 using kiv::CString;
 using kiv::TArray;
 using kiv::cam::CCameraFinder;
@@ -41,6 +45,9 @@ private slots:
         CCameraFinder::setEnableEmulators(false);
         SScanControl::failBroken = false;
         SScanControl::rendezvous = false;
+        SScanControl::hold = false;
+        SScanControl::holding = 0;
+        SScanControl::stopped = 0;
     }
     void emptyUntilFound()
     {
@@ -141,6 +148,103 @@ private slots:
         CCameraFinder finder;
         QVERIFY(!finder.Find(CCameraFinder::FIND_COMM));
         QCOMPARE(finder.size(), 6u);
+    }
+    void stopEndsTheSearchEarly()
+    {
+        // TestGrabber's scan would take a minute; the stop request wakes it.
+        SScanControl::hold = true;
+        std::stop_source stop;
+        CCameraFinder finder;
+        bool ok = true;
+        std::thread search([&] { ok = finder.Find(CCameraFinder::FIND_COMM, stop.get_token()); });
+        QTRY_COMPARE(SScanControl::holding.load(), 1);
+        stop.request_stop();
+        search.join();
+        QVERIFY(!ok);
+        QCOMPARE(SScanControl::stopped.load(), 1);
+    }
+    void searchStoppedBeforeItStartsScansNothing()
+    {
+        SScanControl::hold = true;
+        std::stop_source stop;
+        stop.request_stop();
+        CCameraFinder finder;
+        QVERIFY(!finder.Find({"TypeB"}, CCameraFinder::FIND_COMM, stop.get_token()));
+        QCOMPARE(finder.size(), 0u);
+        QCOMPARE(SScanControl::holding.load(), 0);
+    }
+    void searchWithAStopThatNeverComesIsComplete()
+    {
+        std::stop_source stop;
+        CCameraFinder finder;
+        QVERIFY(finder.Find({"TypeB"}, CCameraFinder::FIND_COMM, stop.get_token()));
+        QCOMPARE(serials(finder), (QByteArrayList{"B-1", "B-2"}));
+    }
+
+    // Two threads set opposite switches, one after the other, and only then both search: each
+    // search uses its own thread's switch, not the process-wide one, which is the last set.
+    void eachThreadSearchesWithItsOwnSwitch_data()
+    {
+        QTest::addColumn<bool>("first");
+        QTest::newRow("on, then off") << true;
+        QTest::newRow("off, then on") << false;
+    }
+    void eachThreadSearchesWithItsOwnSwitch()
+    {
+        QFETCH(bool, first);
+        std::barrier setInTurn(2);
+        std::uint64_t found[2] = {};
+        auto search = [&](int turn, bool enable) {
+            CCameraFinder finder;
+            if (turn == 1)
+                setInTurn.arrive_and_wait();
+            CCameraFinder::setEnableEmulators(enable);
+            if (turn == 0)
+                setInTurn.arrive_and_wait();
+            setInTurn.arrive_and_wait();
+            finder.Find(CCameraFinder::FIND_COMM);
+            found[turn] = finder.size();
+        };
+        std::thread one(search, 0, first);
+        std::thread other(search, 1, !first);
+        one.join();
+        other.join();
+        QCOMPARE(found[0], first ? 7u : 6u);
+        QCOMPARE(found[1], first ? 6u : 7u);
+    }
+    void threadThatSetNothingFollowsTheProcessWideSwitch()
+    {
+        CCameraFinder::setEnableEmulators(true);
+        std::uint64_t found = 0;
+        std::thread([&] {
+            CCameraFinder finder;
+            finder.Find(CCameraFinder::FIND_COMM);
+            found = finder.size();
+        }).join();
+        QCOMPARE(found, 7u);
+    }
+    void threadsOwnSwitchServesOneSearch()
+    {
+        // A pool thread reused by a task that sets nothing must not search with the switch of
+        // the task before.
+        std::barrier turns(2);
+        std::uint64_t found[2] = {};
+        std::thread worker([&] {
+            CCameraFinder::setEnableEmulators(true);
+            turns.arrive_and_wait();
+            turns.arrive_and_wait();
+            CCameraFinder finder;
+            finder.Find(CCameraFinder::FIND_COMM);
+            found[0] = finder.size();
+            finder.Find(CCameraFinder::FIND_COMM);
+            found[1] = finder.size();
+        });
+        turns.arrive_and_wait();
+        CCameraFinder::setEnableEmulators(false);
+        turns.arrive_and_wait();
+        worker.join();
+        QCOMPARE(found[0], 7u);
+        QCOMPARE(found[1], 6u);
     }
     void transportsAreSearchedAtTheSameTime()
     {

@@ -83,6 +83,9 @@ private slots:
             QVERIFY2(!PixelTypeToString(info.pixelType).empty(), name);
             QCOMPARE(info.dataType, PixelTypeToDataType(info.pixelType));
             QVERIFY2(info.adBits > 0, name);
+            // The mask follows the bits as the UI's A/D setter keeps it: 0 for 32 bits.
+            QVERIFY2(
+                info.adMask == 0xFFFFu >> ((16u - static_cast<unsigned>(info.adBits)) & 31u), name);
             QVERIFY2(!info.vendor.empty(), name);
             QVERIFY2(!info.reduceFilter.empty(), name);
         }

@@ -6,6 +6,8 @@
 
 #include <QTest>
 
+#include <stop_token>
+
 using namespace emulatortest;
 
 // The emulated transports of a world with every fault, searched directly and through the
@@ -55,12 +57,25 @@ private slots:
     void slowScanDelivers()
     {
         TArray<SDeviceInfo> devices;
-        QVERIFY(interfaces()->interfaceByName("SlowSerial")->findDevices(devices));
+        QVERIFY(interfaces()->interfaceByName("SlowSerial")->findDevices(devices, {}));
         QCOMPARE(deviceNames(devices),
             QByteArrayList({"SlowSerial/COM1", "SlowSerial/COM2", "SlowSerial/COM3"}));
         TArray<SCameraInfo> cameras;
-        QVERIFY(interfaces()->interfaceByName("SlowSerial")->findCameras(cameras));
+        QVERIFY(interfaces()->interfaceByName("SlowSerial")->findCameras(cameras, {}));
         QCOMPARE(serials(cameras), QByteArrayList({"S-1", "S-2", "S-3", "O-1", "S-4", "S-5"}));
+    }
+
+    void stoppedScanGivesFalseAndNothing()
+    {
+        std::stop_source stop;
+        stop.request_stop();
+        const TSharedPtr<IInterface> serial = interfaces()->interfaceByName("SlowSerial");
+        TArray<SDeviceInfo> devices;
+        QVERIFY(!serial->findDevices(devices, stop.get_token()));
+        QVERIFY(devices.empty());
+        TArray<SCameraInfo> cameras;
+        QVERIFY(!serial->findCameras(cameras, stop.get_token()));
+        QVERIFY(cameras.empty());
     }
 
     void deviceRecordsAreCompleted()
@@ -85,10 +100,10 @@ private slots:
     {
         const TSharedPtr<IInterface> broken = interfaces()->interfaceByName("BrokenUSB");
         TArray<SDeviceInfo> devices{SDeviceInfo()};
-        QVERIFY(!broken->findDevices(devices));
+        QVERIFY(!broken->findDevices(devices, {}));
         QCOMPARE(devices.count(), 1);
         TArray<SCameraInfo> cameras{SCameraInfo()};
-        QVERIFY(!broken->findCameras(cameras));
+        QVERIFY(!broken->findCameras(cameras, {}));
         QCOMPARE(cameras.count(), 1);
     }
 

@@ -1,3 +1,4 @@
+#include "../HostileFiles.h"
 #include "EmulatorTest.h"
 
 #include <kiv/Platform.h>
@@ -5,27 +6,65 @@
 #include <kivcam/CCameras.h>
 #include <kivcam/CControllerFactory.h>
 #include <kivcam/CInterfaces.h>
+#include <kivcam/emulator/CEmulatorWorld.h>
 
+#include <QByteArrayView>
 #include <QCoreApplication>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <sys/resource.h>
 
 using namespace emulatortest;
 
 namespace {
 
 // The emulator reads its world once per process, so each world is loaded by a child process:
-// this test program started with this argument, which prints what the catalogues hold.
+// this test program started with this argument, which prints what the catalogues hold. A second
+// argument limits the child's address space to that many more megabytes than it uses.
 constexpr const char* reportArgument = "--report-world";
 
-int reportWorld()
+// Whether AddressSanitizer watches this program.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool addressSanitizer = true;
+#elif defined(__has_feature)
+constexpr bool addressSanitizer = __has_feature(address_sanitizer);
+#else
+constexpr bool addressSanitizer = false;
+#endif
+
+bool isValid(const CString& text)
+{
+    return QByteArrayView(text.view().data(), static_cast<qsizetype>(text.view().size()))
+        .isValidUtf8();
+}
+
+void limitAddressSpace(const char* megabytes)
+{
+    QFile status("/proc/self/status");
+    long long used = 0;
+    if (status.open(QIODevice::ReadOnly)) {
+        for (const QByteArray& line : status.readAll().split('\n')) {
+            if (line.startsWith("VmSize:"))
+                used = line.mid(7).trimmed().split(' ').first().toLongLong() * 1024;
+        }
+    }
+    const rlimit limit{static_cast<rlim_t>(used + std::atoll(megabytes) * 1024 * 1024),
+        static_cast<rlim_t>(used + std::atoll(megabytes) * 1024 * 1024)};
+    setrlimit(RLIMIT_AS, &limit);
+}
+
+int reportWorld(const char* megabytes)
 {
     kiv::platform::SetDebugOutputHandler([](const char* text) { std::printf("debug %s", text); });
+    if (megabytes)
+        limitAddressSpace(megabytes);
     interfaces()->setEnableEmulators(true);
     CCameraFinder::setEnableEmulators(true);
     TArray<CString> controllers;
@@ -34,19 +73,32 @@ int reportWorld()
     interfaces()->findDevices(devices, CInterfaces::FIND_PRESENT);
     CCameraFinder finder;
     finder.Find(CCameraFinder::FIND_COMM);
-    std::printf("types %d\ncontrollers %d\ninterfaces %d\ndevices %d\ncameras %d\n",
+    // Texts that are not valid UTF-8, among the names the world gives.
+    int illFormed = 0;
+    for (int i = 0; i < cameras()->cameraCount(); ++i) {
+        const TSharedPtr<ICamera> type = cameras()->cameraAt(i);
+        for (const CString* text : {&type->name, &type->displayName, &type->description})
+            illFormed += isValid(*text) ? 0 : 1;
+    }
+    for (const CString& controller : controllers)
+        illFormed += isValid(controller) ? 0 : 1;
+    for (const SDeviceInfo& device : devices)
+        illFormed += isValid(device.interfaceName) && isValid(device.deviceName) ? 0 : 1;
+    for (const SCameraInfo& camera : emulatortest::found(finder))
+        illFormed += isValid(camera.serial) && isValid(camera.name) ? 0 : 1;
+    std::printf("types %d\ncontrollers %d\ninterfaces %d\ndevices %d\ncameras %d\nillFormed %d\n",
         cameras()->cameraCount(), controllers.count(), interfaces()->interfaceCount(),
-        devices.count(), static_cast<int>(finder.size()));
+        devices.count(), static_cast<int>(finder.size()), illFormed);
     return 0;
 }
 
 struct SReport {
     QByteArrayList debug; // the debug output lines, each with its line end
-    QList<int> counts; // types, controllers, interfaces, devices, cameras
+    QList<int> counts; // types, controllers, interfaces, devices, cameras, ill-formed texts
 };
 
 // What a child process reports for a world; unset leaves KIVCAM_EMULATOR_WORLD out.
-SReport report(const QString& world, bool unset = false)
+SReport report(const QString& world, bool unset = false, const QString& megabytes = {})
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     if (unset)
@@ -56,7 +108,10 @@ SReport report(const QString& world, bool unset = false)
     QProcess child;
     child.setProcessEnvironment(environment);
     child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    child.start(QCoreApplication::applicationFilePath(), {reportArgument});
+    QStringList arguments{reportArgument};
+    if (!megabytes.isEmpty())
+        arguments << megabytes;
+    child.start(QCoreApplication::applicationFilePath(), arguments);
     SReport result;
     if (!child.waitForFinished(120000) || child.exitStatus() != QProcess::NormalExit
         || child.exitCode() != 0) {
@@ -84,24 +139,28 @@ QString dataFile(const char* name)
 class tst_CEmulatorWorld : public QObject {
     Q_OBJECT
 
+    QTemporaryDir m_folder;
+
 private slots:
     void loads_data()
     {
         QTest::addColumn<QString>("world");
         QTest::addColumn<bool>("unset");
         QTest::addColumn<QList<int>>("counts");
-        const QList<int> defaultWorld{20, 5, 7, 22, 15};
+        const QList<int> defaultWorld{20, 5, 7, 22, 15, 0};
         QTest::newRow("unset gives the default world") << QString() << true << defaultWorld;
         QTest::newRow("empty gives the default world") << QString() << false << defaultWorld;
         QTest::newRow("documented example")
             << QStringLiteral(KIVCAMUI_SOURCE_DIR "/docs/examples/emulator-world.xml") << false
-            << QList<int>{2, 2, 2, 3, 3};
+            << QList<int>{2, 2, 2, 3, 3, 0};
         QTest::newRow("fault world")
-            << dataFile("emulator-faults.xml") << false << QList<int>{4, 3, 4, 6, 10};
+            << dataFile("emulator-faults.xml") << false << QList<int>{4, 3, 4, 6, 10, 0};
         QTest::newRow("unknown elements and attributes")
-            << dataFile("emulator-future.xml") << false << QList<int>{1, 1, 1, 1, 1};
+            << dataFile("emulator-future.xml") << false << QList<int>{1, 1, 1, 1, 1, 0};
         QTest::newRow("empty world")
-            << dataFile("empty-world.xml") << false << QList<int>{0, 0, 0, 0, 0};
+            << dataFile("empty-world.xml") << false << QList<int>{0, 0, 0, 0, 0, 0};
+        QTest::newRow("ill-formed UTF-8, repaired")
+            << dataFile("emulator-utf8.xml") << false << QList<int>{1, 1, 1, 1, 1, 0};
     }
     void loads()
     {
@@ -147,7 +206,7 @@ private slots:
         QFETCH(QString, world);
         QFETCH(int, line);
         const SReport result = report(world);
-        QCOMPARE(result.counts, QList<int>({0, 0, 0, 0, 0}));
+        QCOMPARE(result.counts, QList<int>({0, 0, 0, 0, 0, 0}));
         QCOMPARE(result.debug.size(), 1);
         const QString message = QString::fromUtf8(result.debug.first());
         const QRegularExpression form("^kivcam: (.+):(\\d+): \\S.*\\n$");
@@ -156,12 +215,84 @@ private slots:
         QCOMPARE(match.captured(1), world);
         QCOMPARE(match.captured(2).toInt(), line);
     }
+
+    void unreadableWorldIsEmpty_data()
+    {
+        QTest::addColumn<QString>("world");
+        QTest::addColumn<QString>("reason");
+        for (const auto& [name, path] : hostile::nonRegularPaths(m_folder))
+            QTest::newRow(name) << path << "not a regular file";
+        const QString large = m_folder.filePath("large.xml");
+        QFile file(large);
+        QVERIFY(file.open(QIODevice::WriteOnly)
+            && file.resize(static_cast<qint64>(CEmulatorWorld::maxFileSize) + 1));
+        QTest::newRow("larger than the bound")
+            << large << QString("larger than %1 bytes").arg(CEmulatorWorld::maxFileSize);
+    }
+    void unreadableWorldIsEmpty()
+    {
+        // A FIFO used to block the first use of a catalogue for ever, and /dev/zero to end in an
+        // uncaught std::bad_alloc after 4 GB.
+        QFETCH(QString, world);
+        QFETCH(QString, reason);
+        const SReport result = report(world);
+        QCOMPARE(result.counts, QList<int>({0, 0, 0, 0, 0, 0}));
+        QCOMPARE(result.debug,
+            QByteArrayList{
+                QString("kivcam: %1:0: cannot read the world: %2\n").arg(world, reason).toUtf8()});
+    }
+    void worldAtTheBoundLoads()
+    {
+        const QByteArray head = "<world><controller name=\"Generic\"/><!--";
+        const QByteArray tail = "--></world>";
+        const QString path = m_folder.filePath("bound.xml");
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(head) == head.size()
+            && file.write(QByteArray(
+                   static_cast<qsizetype>(CEmulatorWorld::maxFileSize) - head.size() - tail.size(),
+                   ' '))
+                > 0
+            && file.write(tail) == tail.size());
+        file.close();
+        QCOMPARE(QFileInfo(path).size(), static_cast<qint64>(CEmulatorWorld::maxFileSize));
+        const SReport result = report(path);
+        QCOMPARE(result.debug, QByteArrayList());
+        QCOMPARE(result.counts, QList<int>({0, 1, 0, 0, 0, 0}));
+    }
+    void outOfMemoryGivesAnEmptyWorld()
+    {
+        if (addressSanitizer)
+            QSKIP("AddressSanitizer reserves more address space than a limit would leave");
+        // Twelve thousand devices with a long parameter each: 24 MB of text, which takes more
+        // than 48 MB more memory to read. Wherever memory runs out, the parser's or the
+        // reader's, the world is empty and the problem reported.
+        const QString path = m_folder.filePath("memory.xml");
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("<world><interface name=\"Emu\" comm=\"true\">");
+        const QByteArray padding(1000, 'p');
+        for (int i = 0; i < 12000; ++i)
+            file.write("<device><deviceName>" + QByteArray::number(i) + "</deviceName><description>"
+                + padding
+                + "</description><parameters><parameter name=\"A\" type=\"string\" value=\""
+                + padding + "\"/></parameters></device>");
+        file.write("</interface></world>");
+        file.close();
+        const SReport result = report(path, false, "48");
+        QCOMPARE(result.counts, QList<int>({0, 0, 0, 0, 0, 0}));
+        QCOMPARE(result.debug.size(), 1);
+        QVERIFY2(
+            QRegularExpression("^kivcam: .*:\\d+: (out of memory|Could not allocate memory)\n$")
+                .match(QString::fromUtf8(result.debug.first()))
+                .hasMatch(),
+            result.debug.first().constData());
+    }
 };
 
 int main(int argc, char** argv)
 {
-    if (argc == 2 && std::strcmp(argv[1], reportArgument) == 0)
-        return reportWorld();
+    if (argc >= 2 && std::strcmp(argv[1], reportArgument) == 0)
+        return reportWorld(argc == 3 ? argv[2] : nullptr);
     QCoreApplication app(argc, argv);
     tst_CEmulatorWorld test;
     return QTest::qExec(&test, argc, argv);

@@ -4,6 +4,10 @@
 
 #include <QTest>
 
+#include <barrier>
+#include <stop_token>
+#include <thread>
+
 using kiv::CString;
 using kiv::TArray;
 using kiv::cam::CInterfaces;
@@ -32,6 +36,9 @@ private slots:
         interfaces()->setEnableEmulators(false);
         SScanControl::failBroken = false;
         SScanControl::rendezvous = false;
+        SScanControl::hold = false;
+        SScanControl::holding = 0;
+        SScanControl::stopped = 0;
     }
     void singleInstance() { QCOMPARE(interfaces(), interfaces()); }
     void listsEveryTransportEmulatorsIncluded()
@@ -107,6 +114,74 @@ private slots:
         TArray<SDeviceInfo> devices;
         QVERIFY(interfaces()->findDevices(devices, CInterfaces::FIND_PRESENT));
         QCOMPARE(devices.count(), 4);
+    }
+    void stopEndsTheSearchEarly()
+    {
+        SScanControl::hold = true;
+        std::stop_source stop;
+        TArray<SDeviceInfo> devices;
+        bool ok = true;
+        std::thread search([&] {
+            ok = interfaces()->findDevicesOf(
+                devices, {"Serial"}, CInterfaces::FIND_PRESENT, stop.get_token());
+        });
+        QTRY_COMPARE(SScanControl::holding.load(), 1);
+        stop.request_stop();
+        search.join();
+        QVERIFY(!ok);
+        QCOMPARE(SScanControl::stopped.load(), 1);
+
+        QVERIFY(!interfaces()->findDevices(devices, CInterfaces::FIND_PRESENT, stop.get_token()));
+        QCOMPARE(SScanControl::holding.load(), 1);
+    }
+    void eachThreadSearchesWithItsOwnSwitch()
+    {
+        // The thread that sets its switch first searches after the other has set the opposite.
+        std::barrier setInTurn(2);
+        int found[2] = {};
+        auto search = [&](int turn) {
+            if (turn == 1)
+                setInTurn.arrive_and_wait();
+            interfaces()->setEnableEmulators(turn == 0);
+            if (turn == 0)
+                setInTurn.arrive_and_wait();
+            setInTurn.arrive_and_wait();
+            TArray<SDeviceInfo> devices;
+            interfaces()->findDevices(devices, CInterfaces::FIND_PRESENT);
+            found[turn] = devices.count();
+        };
+        std::thread on(search, 0);
+        std::thread off(search, 1);
+        on.join();
+        off.join();
+        QCOMPARE(found[0], 5);
+        QCOMPARE(found[1], 4);
+    }
+    void threadsOwnSwitchServesOneSearch()
+    {
+        std::barrier turns(2);
+        int found[2] = {};
+        std::thread worker([&] {
+            interfaces()->setEnableEmulators(true);
+            turns.arrive_and_wait();
+            turns.arrive_and_wait();
+            TArray<SDeviceInfo> devices[2];
+            interfaces()->findDevices(devices[0], CInterfaces::FIND_PRESENT);
+            interfaces()->findDevices(devices[1], CInterfaces::FIND_PRESENT);
+            found[0] = devices[0].count();
+            found[1] = devices[1].count();
+        });
+        turns.arrive_and_wait();
+        interfaces()->setEnableEmulators(false);
+        turns.arrive_and_wait();
+        worker.join();
+        QCOMPARE(found[0], 5);
+        QCOMPARE(found[1], 4);
+        // Another catalogue's switch is not this one's.
+        CInterfaces other;
+        other.setEnableEmulators(true);
+        QVERIFY(!interfaces()->enableEmulators());
+        QVERIFY(other.enableEmulators());
     }
     void createsUnopenedDevices()
     {

@@ -97,6 +97,47 @@ private slots:
         QCOMPARE(timeout.setValue(CVariant("-1")).ToInt64(), 500);
         QCOMPARE(timeout.setValue(CVariant("65535")).ToInt64(), 65535);
     }
+    void manyEntriesAreFoundByName()
+    {
+        // A hundred thousand entries, each found in its place; adding them one by one used to
+        // take quadratic time.
+        CParameters parameters;
+        constexpr unsigned count = 100000;
+        for (unsigned i = 0; i < count; ++i)
+            parameters.Add({CString(std::to_string(i)), "", "", CParameters::EDIT_ALWAYS,
+                CVariant(static_cast<int>(i))});
+        parameters.Add({"77777", "again", "", CParameters::EDIT_NEVER, CVariant(1)});
+        QCOMPARE(parameters.count(), count);
+        for (unsigned i = 0; i < count; i += 997) {
+            const CString name(std::to_string(i));
+            QVERIFY(parameters.Exists(name));
+            QCOMPARE(&parameters[name], &parameters[i]);
+        }
+        QCOMPARE(QByteArray(parameters[77777u].displayName.c_str()), QByteArray("again"));
+        QVERIFY(!parameters.Exists(CString(std::to_string(count))));
+    }
+    void entryRenamedInPlaceIsNotFoundUnderItsOldName()
+    {
+        CParameters parameters = sample();
+        parameters[CString("BaudRate")].name = "Speed";
+        QVERIFY(!parameters.Exists("BaudRate"));
+        QVERIFY_THROWS_EXCEPTION(kiv::COutOfRangeException, parameters[CString("BaudRate")]);
+        parameters.Add({"BaudRate", "", "", CParameters::EDIT_ALWAYS, baudRates(19200)});
+        QCOMPARE(parameters.count(), 4u);
+        QCOMPARE(&parameters[CString("BaudRate")], &parameters[3u]);
+        QCOMPARE(QByteArray(parameters[1u].name.c_str()), QByteArray("Speed"));
+    }
+    void copiesFindTheirOwnEntries()
+    {
+        const CParameters original = sample();
+        CParameters copy = original;
+        QCOMPARE(&copy[CString("Timeout")], &copy[2u]);
+        CParameters assigned;
+        assigned.Add({"Other", "", "", CParameters::EDIT_ALWAYS, CVariant(1)});
+        assigned = original;
+        QVERIFY(!assigned.Exists("Other"));
+        QCOMPARE(&assigned[CString("Control")], &assigned[0u]);
+    }
     void copiesAreIndependent()
     {
         CParameters original = sample();

@@ -1,14 +1,23 @@
+#include "../HostileFiles.h"
+
+#include <kiv/CException.h>
 #include <kiv/CMemFile.h>
 #include <kiv/PixelType.h>
 #include <kivcam/SCameraInfo.h>
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
+#include <dlfcn.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using kiv::CString;
 using kiv::CStringW;
@@ -16,6 +25,26 @@ using kiv::CVariant;
 using kiv::cam::CParameters;
 using kiv::cam::SCameraInfo;
 using kiv::cam::SDeviceInfo;
+
+// Every folder synced, with what it held then: the fsync of this program, exported, stands in
+// for the C library's for the libraries too; it records the folders and passes on.
+struct SFolderSync {
+    QString folder;
+    QStringList entries;
+};
+static QList<SFolderSync> folderSyncs;
+
+extern "C" __attribute__((visibility("default"))) int fsync(int descriptor)
+{
+    struct stat status { };
+    if (fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
+        const QString folder
+            = QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(descriptor)).symLinkTarget();
+        folderSyncs.append({folder, QDir(folder).entryList(QDir::Files | QDir::Hidden)});
+    }
+    static const auto next = reinterpret_cast<int (*)(int)>(dlsym(RTLD_NEXT, "fsync"));
+    return next(descriptor);
+}
 
 namespace {
 
@@ -148,6 +177,42 @@ void compareCameras(const SCameraInfo& a, const SCameraInfo& b)
     QCOMPARE(a.emulated, b.emulated);
 }
 
+// Text of each kind that XML cannot carry as it is: ill-formed UTF-8 (a stray continuation
+// byte, a truncated sequence, an overlong form, an encoded surrogate, a byte that never occurs)
+// and characters XML does not allow (controls, U+FFFE).
+const char* const illFormed = "a\x80"
+                              "b\xE2\x82"
+                              "c\xC0\x80"
+                              "d\xED\xA0\x80"
+                              "e\xFF"
+                              "f\x01"
+                              "g\x1F"
+                              "h\xEF\xBF\xBE"
+                              "i";
+
+// The same text repaired: what is read from it, and what is written for it.
+QByteArray repaired(const char* text)
+{
+    QString decoded = QString::fromUtf8(text);
+    for (QChar& unit : decoded) {
+        if (unit.unicode() < 0x20 && unit != '\t' && unit != '\n' && unit != '\r')
+            unit = QChar::ReplacementCharacter;
+        if (unit.unicode() == 0xFFFE)
+            unit = QChar::ReplacementCharacter;
+    }
+    return decoded.toUtf8();
+}
+
+// A file that fails the way a full memory does.
+class COutOfMemoryFile : public kiv::IFile {
+public:
+    std::uint64_t Read(void*, std::uint64_t) override { kiv::ThrowBadAllocException(); }
+    std::uint64_t Write(const void*, std::uint64_t) override { return 0; }
+    bool Seek(std::int64_t, ESeekOrigin) override { return false; }
+    std::uint64_t Tell() const override { return 0; }
+    std::uint64_t Size() const override { return 10; }
+};
+
 bool loadText(SCameraInfo& camera, const QByteArray& text)
 {
     QByteArray copy = text;
@@ -160,6 +225,8 @@ bool loadText(SCameraInfo& camera, const QByteArray& text)
 
 class tst_SCameraInfo : public QObject {
     Q_OBJECT
+
+    QTemporaryDir m_folder;
 
 private slots:
     void roundTripKeepsEveryField()
@@ -324,6 +391,120 @@ private slots:
         SCameraInfo reloaded;
         QVERIFY(reloaded.Load(widePath(path)));
         QCOMPARE(bytes(reloaded.identity), QByteArray("old"));
+    }
+    void notARegularFileIsRefusedAtOnce_data()
+    {
+        hostile::addPathRows(m_folder);
+    }
+    void notARegularFileIsRefusedAtOnce()
+    {
+        // A FIFO used to block in open() for ever, and /dev/zero to be read until memory ran out.
+        QFETCH(QString, path);
+        SCameraInfo camera = populated();
+        QVERIFY(!camera.Load(widePath(path)));
+        compareCameras(camera, populated());
+    }
+    void descriptionAtTheBoundLoadsAndLargerIsRefused()
+    {
+        const QByteArray head = "<camera><name>Nova</name><!--";
+        const QByteArray tail = "--></camera>";
+        QByteArray text = head
+            + QByteArray(
+                static_cast<qsizetype>(SCameraInfo::maxFileSize) - head.size() - tail.size(), 'x')
+            + tail;
+        QCOMPARE(static_cast<std::uint64_t>(text.size()), SCameraInfo::maxFileSize);
+        const QString path = m_folder.filePath("bound.xml");
+        for (const bool fits : {true, false}) {
+            if (!fits)
+                text.insert(head.size(), 'x');
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+            file.close();
+            SCameraInfo camera;
+            QCOMPARE(camera.Load(widePath(path)), fits);
+            QCOMPARE(loadText(camera, text), fits);
+            QCOMPARE(bytes(camera.name), fits ? QByteArray("Nova") : QByteArray());
+        }
+    }
+    void outOfMemoryGivesFalse()
+    {
+        SCameraInfo camera = populated();
+        QVERIFY(!camera.Load(kiv::TSharedPtr<kiv::IFile>(new COutOfMemoryFile)));
+        compareCameras(camera, populated());
+    }
+    void illFormedTextIsRepairedOnLoad()
+    {
+        const QByteArray bad(illFormed);
+        SCameraInfo camera;
+        QVERIFY(loadText(camera,
+            "<camera><identity>" + bad + "</identity><comm><parameters><parameter name=\"" + bad
+                + "\" description=\"" + bad + "\" type=\"string\" value=\"" + bad
+                + "\"/><parameter name=\"E\" type=\"enum\" value=\"" + bad + "\"><item name=\""
+                + bad + "\" value=\"1\"/></parameter></parameters></comm></camera>"));
+        const QByteArray expected = repaired(illFormed);
+        QCOMPARE(bytes(camera.identity), expected);
+        const CParameters& parameters = camera.comm.parameters;
+        QCOMPARE(parameters.count(), 2u);
+        QCOMPARE(bytes(parameters[0u].name), expected);
+        QCOMPARE(bytes(parameters[0u].description), expected);
+        QCOMPARE(bytes(parameters[0u].value().ToString()), expected);
+        QCOMPARE(bytes(parameters[1u].value().GetEnumName(0)), expected);
+        QCOMPARE(bytes(parameters[1u].value().ToString()), expected);
+    }
+    void saveWritesWellFormedXmlWhateverTheText()
+    {
+        // Another XML parser must read every saved file, with the texts repaired.
+        const QString python = QStandardPaths::findExecutable("python3");
+        if (python.isEmpty())
+            QSKIP("no python3 on the PATH to read the saved file with a second XML parser");
+        SCameraInfo camera = populated();
+        const CString bad{std::string_view(illFormed)};
+        const CString withZero(std::string_view("zero\0byte", 9));
+        camera.identity = bad;
+        camera.displayName = withZero;
+        camera.comm.parameters.Add({bad, bad, bad, CParameters::EDIT_ALWAYS, CVariant(bad)});
+        kiv::TArray<CVariant::SEnumItem> items;
+        items.add({bad, 1});
+        camera.comm.parameters.Add(
+            {"Enum", "", "", CParameters::EDIT_ALWAYS, CVariant::Enum(items, 1)});
+        const QString path = m_folder.filePath("repaired.xml");
+        QVERIFY(camera.Save(widePath(path)));
+
+        QProcess reader;
+        reader.start(python,
+            {"-c",
+                "import sys, xml.etree.ElementTree as E\n"
+                "root = E.parse(sys.argv[1]).getroot()\n"
+                "texts = [root.findtext('identity'), root.findtext('displayName')]\n"
+                "for p in root.find('comm').iter('parameter'):\n"
+                "    texts += [p.get('name'), p.get('value')]\n"
+                "sys.stdout.buffer.write('\\n'.join(texts).encode('utf-8'))\n",
+                path});
+        QVERIFY(reader.waitForFinished(60000));
+        QVERIFY2(reader.exitStatus() == QProcess::NormalExit && reader.exitCode() == 0,
+            reader.readAllStandardError().constData());
+        const QByteArray expected = repaired(illFormed);
+        QCOMPARE(reader.readAllStandardOutput().split('\n'),
+            (QByteArrayList{expected,
+                "zero\xEF\xBF\xBD"
+                "byte",
+                "BaudRate", "115200", "Control", "Port 0", "Timeout", "2500", "Gain", "1.5",
+                "Invert", "true", expected, expected, "Enum", expected}));
+
+        SCameraInfo reloaded;
+        QVERIFY(reloaded.Load(widePath(path)));
+        QCOMPARE(bytes(reloaded.identity), expected);
+    }
+    void saveSyncsTheFolderAfterTheRename()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath("camera.xml");
+        folderSyncs.clear();
+        QVERIFY(populated().Save(widePath(path)));
+        // Synced when the folder held the new file under its name, and no temporary file.
+        QCOMPARE(folderSyncs.size(), 1);
+        QCOMPARE(folderSyncs[0].folder, QFileInfo(dir.path()).canonicalFilePath());
+        QCOMPARE(folderSyncs[0].entries, QStringList{"camera.xml"});
     }
     void copyCarriesAllFields()
     {

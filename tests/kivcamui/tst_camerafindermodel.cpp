@@ -1,13 +1,24 @@
+#include "../HostileFiles.h"
+
 #include <kivcamui/camera/CameraFinderModel.h>
 
 #include <QAbstractItemModelTester>
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QPointer>
+#include <QProcess>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThreadPool>
 #include <QTimer>
 #include <QUrl>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
 
 using kiv::cam::SCameraInfo;
 using kiv::cam::ui::CameraFinderModel;
@@ -31,12 +42,65 @@ bool scanToEnd(CameraFinderModel& model)
     return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
 }
 
+// Starts a search while every thread of the pool is busy, so that its task waits in the queue,
+// makes changes meanwhile, and lets the task start.
+bool scanWithChangesBeforeTheTaskStarts(
+    CameraFinderModel& model, const std::function<void()>& changes)
+{
+    QThreadPool* pool = QThreadPool::globalInstance();
+    const int threads = pool->maxThreadCount();
+    QSemaphore started;
+    QSemaphore release;
+    for (int i = 0; i < threads; ++i) {
+        pool->start([&] {
+            started.release();
+            release.acquire();
+        });
+    }
+    started.acquire(threads);
+    model.scan();
+    changes();
+    release.release(threads);
+    return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
+}
+
+// Two models with opposite emulator switches search at the same time, round after round, in a
+// child process over tests/kivcamui/data/race-world.xml, whose transports answer at once: this
+// test program started with this argument and a number of rounds. It prints the rounds run and
+// how many of them gave a model the other's switch.
+constexpr const char* raceArgument = "--race";
+
+int race(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    const int rounds = std::atoi(argv[2]);
+    CameraFinderModel on;
+    CameraFinderModel off;
+    on.setEnableEmulators(true);
+    off.setEnableEmulators(false);
+    int run = 0;
+    int mixedUp = 0;
+    for (; run < rounds; ++run) {
+        on.scan();
+        off.scan();
+        while (on.scanning() || off.scanning())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        if (serials(on) != QStringList{"R-1", "E-1"} || serials(off) != QStringList{"R-1"})
+            ++mixedUp;
+    }
+    std::printf("rounds %d\nmixed up %d\n", run, mixedUp);
+    return 0;
+}
+
 } // namespace
 
 // Runs over tests/kivcamui/data/finder-world.xml: a real transport with a control-only camera
-// (M-1) and a slow emulated one with a complete camera (K-1) and one that cannot connect (K-2).
+// (M-1) and a slow emulated one with a complete camera (K-1), one that cannot connect (K-2) and
+// a control-only camera (M-2).
 class tst_CameraFinderModel : public QObject {
     Q_OBJECT
+
+    QTemporaryDir m_folder;
 
 private slots:
     void init() { qunsetenv("KIVCAM_ENABLE_EMULATORS"); }
@@ -114,7 +178,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
         QCOMPARE(scanning.count(), 2);
         QCOMPARE(scanned.count(), 1);
-        QCOMPARE(serials(model), (QStringList{"M-1", "K-1", "K-2"}));
+        QCOMPARE(serials(model), (QStringList{"M-1", "K-1", "K-2", "M-2"}));
     }
     void listIsEmptyWhileSearching()
     {
@@ -126,13 +190,17 @@ private slots:
         QCOMPARE(model.cameras()->size(), 0);
         QVERIFY(old.isNull());
         QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
-        QCOMPARE(model.cameras()->size(), 3);
+        QCOMPARE(model.cameras()->size(), 4);
     }
     void flagsNine()
     {
         CameraFinderModel model;
         model.setEnableEmulators(true);
         model.setEmulatorsOnly(true); // with commOnly: flags 1 + 8
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(serials(model), (QStringList{"K-1", "K-2", "M-2"}));
+        // Flags 4 + 8 leave out the control-only emulated camera.
+        model.setCommOnly(false);
         QVERIFY(scanToEnd(model));
         QCOMPARE(serials(model), (QStringList{"K-1", "K-2"}));
     }
@@ -172,12 +240,21 @@ private slots:
     }
     void switchesReadWhenTheSearchStarts()
     {
+        // Switches changed after scan() but before the task starts are the ones it uses.
         CameraFinderModel model;
-        model.scan();
-        model.setEnableEmulators(true); // the task may or may not have started: either is fine
-        QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
-        QVERIFY(scanToEnd(model));
-        QCOMPARE(model.cameras()->size(), 3);
+        QVERIFY(scanWithChangesBeforeTheTaskStarts(model, [&] {
+            model.setEnableEmulators(true);
+            model.setEmulatorsOnly(true);
+        }));
+        QCOMPARE(serials(model), (QStringList{"K-1", "K-2", "M-2"}));
+        QVERIFY(scanWithChangesBeforeTheTaskStarts(model, [&] { model.setCommOnly(false); }));
+        QCOMPARE(serials(model), (QStringList{"K-1", "K-2"}));
+        QVERIFY(scanWithChangesBeforeTheTaskStarts(model, [&] {
+            model.setEnableEmulators(false);
+            model.setEmulatorsOnly(false);
+            model.setCommOnly(true);
+        }));
+        QCOMPARE(serials(model), QStringList{"M-1"});
     }
     void emulatorSwitchesEmitNothing()
     {
@@ -239,6 +316,45 @@ private slots:
         QVERIFY(scanToEnd(model));
         QCOMPARE(serials(model), QStringList{"M-1"});
     }
+    void abandonedSearchesStop()
+    {
+        // A thousand models destroyed while their two-second searches run: run to their ends,
+        // they would keep the pool busy for a quarter of an hour. Stopped, they are gone at once
+        // and a new search takes its two seconds.
+        for (int i = 0; i < 1000; ++i) {
+            auto* model = new CameraFinderModel;
+            model->setEnableEmulators(true);
+            model->scan();
+            delete model;
+        }
+        QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
+        CameraFinderModel model;
+        model.setEnableEmulators(true);
+        QElapsedTimer search;
+        search.start();
+        QVERIFY(scanToEnd(model));
+        qInfo("the search after a thousand abandoned ones took %lld ms", search.elapsed());
+        QVERIFY(search.elapsed() < 15000);
+        QCOMPARE(serials(model), (QStringList{"M-1", "K-1", "K-2", "M-2"}));
+    }
+    void oppositeSwitchesNeverMix()
+    {
+        // With the process-wide switch alone, ten to twenty rounds in five thousand mixed them up.
+        const int rounds = 5000;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("KIVCAM_EMULATOR_WORLD", KIVCAMUI_TEST_DATA "/race-world.xml");
+        QProcess child;
+        child.setProcessEnvironment(environment);
+        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        child.start(
+            QCoreApplication::applicationFilePath(), {raceArgument, QString::number(rounds)});
+        QVERIFY(child.waitForFinished(240000));
+        QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(child.exitCode(), 0);
+        const QByteArray output = child.readAllStandardOutput();
+        QCOMPARE(output,
+            QByteArray("rounds %1\nmixed up 0\n").replace("%1", QByteArray::number(rounds)));
+    }
     void loadsADescriptionFile()
     {
         QTemporaryDir dir;
@@ -267,6 +383,22 @@ private slots:
         QCOMPARE(CameraFinderModel::loadCameraInfo(dir.filePath("plain-path.xml")), nullptr);
         QCOMPARE(CameraFinderModel::loadCameraInfo(QString()), nullptr);
     }
+    void hostileFilesGiveNullAtOnce_data()
+    {
+        hostile::addPathRows(m_folder);
+    }
+    void hostileFilesGiveNullAtOnce()
+    {
+        // A FIFO used to block the GUI thread in loadCameraInfo for ever.
+        QFETCH(QString, path);
+        QCOMPARE(CameraFinderModel::loadCameraInfo(QUrl::fromLocalFile(path).toString()), nullptr);
+    }
+    void hugeTextGivesNull()
+    {
+        const QString huge = "<camera><name>Nova</name><!--"
+            + QString(static_cast<qsizetype>(SCameraInfo::maxFileSize), 'x') + "--></camera>";
+        QCOMPARE(CameraFinderModel::loadCameraInfoFromString(huge), nullptr);
+    }
     void loadsFromText()
     {
         std::unique_ptr<CameraInfo> camera(CameraFinderModel::loadCameraInfoFromString(
@@ -290,5 +422,13 @@ private slots:
     }
 };
 
-QTEST_MAIN(tst_CameraFinderModel)
+int main(int argc, char** argv)
+{
+    if (argc == 3 && std::strcmp(argv[1], raceArgument) == 0)
+        return race(argc, argv);
+    QCoreApplication app(argc, argv);
+    tst_CameraFinderModel test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_camerafindermodel.moc"

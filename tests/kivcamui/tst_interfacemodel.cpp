@@ -14,8 +14,8 @@ public:
         name = "Iconless";
     }
     kiv::TSharedPtr<kiv::cam::IDevice> createDevice() override { return {}; }
-    bool findDevices(kiv::TArray<kiv::cam::SDeviceInfo>&) override { return true; }
-    bool findCameras(kiv::TArray<kiv::cam::SCameraInfo>&) override { return true; }
+    bool findDevices(kiv::TArray<kiv::cam::SDeviceInfo>&, std::stop_token) override { return true; }
+    bool findCameras(kiv::TArray<kiv::cam::SCameraInfo>&, std::stop_token) override { return true; }
 };
 
 } // namespace
