@@ -109,7 +109,7 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
 
     kiv::TArray<kiv::cam::SCameraInfo> found;
-    kiv::cam::interfaces()->interfaceByName("Fast")->findCameras(found);
+    kiv::cam::interfaces()->interfaceByName("Fast")->findCameras(found, {});
     if (found.empty()) {
         std::printf("the bench world has no camera\n");
         return 1;

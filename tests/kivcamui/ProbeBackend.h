@@ -170,8 +170,8 @@ public:
         isEmulator = true;
     }
     TSharedPtr<IDevice> createDevice() override { return TSharedPtr<IDevice>(new CProbeDevice); }
-    bool findDevices(TArray<SDeviceInfo>&) override { return true; }
-    bool findCameras(TArray<SCameraInfo>&) override { return true; }
+    bool findDevices(TArray<SDeviceInfo>&, std::stop_token) override { return true; }
+    bool findCameras(TArray<SCameraInfo>&, std::stop_token) override { return true; }
 };
 
 class CProbeBackend : public CBackend {

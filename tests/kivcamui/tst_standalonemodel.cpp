@@ -52,7 +52,7 @@ bool createPanel(TSharedPtr<IController> controller, QObject* parent, QObject** 
 SCameraInfo emulated(const char* serial)
 {
     TArray<SCameraInfo> found;
-    kiv::cam::interfaces()->interfaceByName("EmuSerial")->findCameras(found);
+    kiv::cam::interfaces()->interfaceByName("EmuSerial")->findCameras(found, {});
     for (const SCameraInfo& camera : found) {
         if (camera.serial == CString(serial))
             return camera;
