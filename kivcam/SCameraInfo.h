@@ -45,6 +45,8 @@ struct KIVCAM_EXPORT SCameraInfo {
     CString vendor;
     CString firmwareVersion;
     bool emulated = false;
+    double frameRate = 0; // frames per second the camera delivers when connected; 0: not known
+    bool hasNucMask = false; // the camera's controller offers a NUC (non-uniformity correction)
 
     // Each Load fills the record from a camera description and gives true; on any failure
     // (missing, empty, truncated or malformed file, XML of another kind) it gives false and
