@@ -107,14 +107,20 @@ Pane {
                     Layout.topMargin: 12
 
                     Label { text: qsTr("Frame rate") }
-                    SpinBox {
-                        objectName: "frameRate"
-                        from: 1
-                        to: layout.camera.maxFrameRate
-                        editable: true
-                        enabled: layout.live
-                        value: Math.round(layout.camera.frameRate)
-                        onValueModified: layout.camera.frameRate = value
+                    RowLayout {
+                        Slider {
+                            objectName: "frameRate"
+                            Layout.preferredWidth: 150
+                            from: 1
+                            to: Math.min(240, layout.camera.maxFrameRate)
+                            stepSize: 1
+                            enabled: layout.live
+                            value: layout.camera.frameRate
+                            onMoved: layout.camera.frameRate = value
+                        }
+                        Label {
+                            text: qsTr("%1/s").arg(Math.round(layout.camera.frameRate))
+                        }
                     }
                     Label {
                         text: qsTr("Correction")

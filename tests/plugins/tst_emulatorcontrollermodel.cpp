@@ -308,13 +308,14 @@ private slots:
         const SSession session("T64-1", &owner);
         QQmlEngine engine;
         QQmlComponent component(&engine, QUrl(session.qml));
-        std::unique_ptr<QObject> panel(component.createWithInitialProperties(
-            {{"cameraModel", QVariant::fromValue(session.model)}}));
-        QVERIFY2(panel, qPrintable(component.errorString()));
         QQuickWindow window;
         window.resize(760, 460);
-        auto* item = qobject_cast<QQuickItem*>(panel.get());
-        QVERIFY(item);
+        // The panel goes before its window.
+        const std::unique_ptr<QQuickItem> panel(
+            qobject_cast<QQuickItem*>(component.createWithInitialProperties(
+                {{"cameraModel", QVariant::fromValue(session.model)}})));
+        QVERIFY2(panel, qPrintable(component.errorString()));
+        QQuickItem* item = panel.get();
         item->setParentItem(window.contentItem());
         item->setSize(QSizeF(760, 460));
         window.show();
@@ -350,6 +351,9 @@ private slots:
         auto* rate = item->findChild<QObject*>("frameRate");
         QVERIFY(rate);
         QCOMPARE(rate->property("value").toInt(), 100);
+        QVERIFY(rate->setProperty("value", 40));
+        QVERIFY(QMetaObject::invokeMethod(rate, "moved"));
+        QCOMPARE(session.controller->frameSource()->frameRate(), 40.0);
         session.controller->disconnect();
         QTRY_COMPARE(state->property("text").toString(), QString("Not connected"));
         QVERIFY(!nuc->property("visible").toBool());
