@@ -20,9 +20,15 @@ bool CEmulatorController::connect(TSharedPtr<IDevice> device, SCameraInfo camera
     if (!device || !device->isOpen())
         return false;
     std::this_thread::sleep_for(std::chrono::milliseconds(m_settings.connectDelay));
-    m_connected = !m_settings.connectFails && !m_world->cameraConnectFails(camera)
-        && m_frames.start(camera);
-    return m_connected;
+    if (m_settings.connectFails || m_world->cameraConnectFails(camera))
+        return false;
+    // Connected before the first image, which a listener may answer with a disconnect.
+    m_connected = true;
+    if (!m_frames.start(camera)) {
+        m_connected = false;
+        return false;
+    }
+    return true;
 }
 
 void CEmulatorController::disconnect()
