@@ -45,7 +45,8 @@ double sampleAt(const CImage& image, int x, int y)
     }
 }
 
-// Where the warm object is: the centre of the hottest tenth of the image.
+// Where the warm object is: the centre of the hottest fiftieth of the image, which the object
+// outshines the gradient in.
 QPointF hotSpot(const CImage& image)
 {
     std::vector<double> values;
@@ -55,7 +56,7 @@ QPointF hotSpot(const CImage& image)
     }
     std::vector<double> sorted = values;
     std::sort(sorted.begin(), sorted.end());
-    const double threshold = sorted[sorted.size() * 9 / 10];
+    const double threshold = sorted[sorted.size() * 49 / 50];
     double sumX = 0;
     double sumY = 0;
     int count = 0;
