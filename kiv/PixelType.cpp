@@ -10,30 +10,31 @@ namespace {
 struct SPixelType {
     std::string_view name;
     EDataType dataType;
+    int channels;
 };
 
 constexpr std::array<SPixelType, 21> pixelTypes{{
-    {"Mono8", DATA_TYPE_UINT8},
-    {"Mono10", DATA_TYPE_UINT16},
-    {"Mono10Packed", DATA_TYPE_UINT16},
-    {"Mono10p", DATA_TYPE_UINT16},
-    {"Mono12", DATA_TYPE_UINT16},
-    {"Mono12Packed", DATA_TYPE_UINT16},
-    {"Mono12p", DATA_TYPE_UINT16},
-    {"Mono14", DATA_TYPE_UINT16},
-    {"Mono16", DATA_TYPE_UINT16},
-    {"Mono16s", DATA_TYPE_INT16},
-    {"Mono32f", DATA_TYPE_FLOAT32},
-    {"RGB8", DATA_TYPE_UINT8},
-    {"BGR8", DATA_TYPE_UINT8},
-    {"RGBA8", DATA_TYPE_UINT8},
-    {"BGRA8", DATA_TYPE_UINT8},
-    {"BayerRG8", DATA_TYPE_UINT8},
-    {"BayerGR8", DATA_TYPE_UINT8},
-    {"BayerGB8", DATA_TYPE_UINT8},
-    {"BayerBG8", DATA_TYPE_UINT8},
-    {"BayerRG16", DATA_TYPE_UINT16},
-    {"YUV422_8", DATA_TYPE_UINT8},
+    {"Mono8", DATA_TYPE_UINT8, 1},
+    {"Mono10", DATA_TYPE_UINT16, 1},
+    {"Mono10Packed", DATA_TYPE_UINT16, 1},
+    {"Mono10p", DATA_TYPE_UINT16, 1},
+    {"Mono12", DATA_TYPE_UINT16, 1},
+    {"Mono12Packed", DATA_TYPE_UINT16, 1},
+    {"Mono12p", DATA_TYPE_UINT16, 1},
+    {"Mono14", DATA_TYPE_UINT16, 1},
+    {"Mono16", DATA_TYPE_UINT16, 1},
+    {"Mono16s", DATA_TYPE_INT16, 1},
+    {"Mono32f", DATA_TYPE_FLOAT32, 1},
+    {"RGB8", DATA_TYPE_UINT8, 3},
+    {"BGR8", DATA_TYPE_UINT8, 3},
+    {"RGBA8", DATA_TYPE_UINT8, 4},
+    {"BGRA8", DATA_TYPE_UINT8, 4},
+    {"BayerRG8", DATA_TYPE_UINT8, 1},
+    {"BayerGR8", DATA_TYPE_UINT8, 1},
+    {"BayerGB8", DATA_TYPE_UINT8, 1},
+    {"BayerBG8", DATA_TYPE_UINT8, 1},
+    {"BayerRG16", DATA_TYPE_UINT16, 1},
+    {"YUV422_8", DATA_TYPE_UINT8, 2},
 }};
 
 SGuid guidOf(std::size_t index)
@@ -82,6 +83,12 @@ EDataType PixelTypeToDataType(const SGuid& pixelType)
 {
     const int index = indexOf(pixelType);
     return index < 0 ? DATA_TYPE_UNKNOWN : pixelTypes[index].dataType;
+}
+
+int PixelTypeToChannelCount(const SGuid& pixelType)
+{
+    const int index = indexOf(pixelType);
+    return index < 0 ? 0 : pixelTypes[index].channels;
 }
 
 } // namespace kiv

@@ -24,5 +24,9 @@ KIV_EXPORT CString PixelTypeToString(const SGuid& pixelType);
 KIV_EXPORT SGuid ParsePixelType(const CString& name);
 // The type of one unpacked sample; DATA_TYPE_UNKNOWN for an identifier that is not a pixel type.
 KIV_EXPORT EDataType PixelTypeToDataType(const SGuid& pixelType);
+// The number of samples of one unpacked pixel: 3 for RGB8 and BGR8, 4 for RGBA8 and BGRA8, 2
+// for YUV422_8 (Y and, alternately, U or V), 1 for the others; 0 for an identifier that is not a
+// pixel type.
+KIV_EXPORT int PixelTypeToChannelCount(const SGuid& pixelType);
 
 } // namespace kiv

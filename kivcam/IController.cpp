@@ -4,4 +4,9 @@ namespace kiv::cam {
 
 IController::~IController() = default;
 
+IFrameSource* IController::frameSource()
+{
+    return nullptr;
+}
+
 } // namespace kiv::cam

@@ -3,6 +3,7 @@
 #include <kiv/CString.h>
 #include <kiv/TSharedPtr.h>
 #include <kivcam/IDevice.h>
+#include <kivcam/IFrameSource.h>
 #include <kivcam/SCameraInfo.h>
 #include <kivcam/kivcam_export.h>
 
@@ -20,6 +21,9 @@ public:
     virtual bool isConnected() const = 0;
     // The controller catalogue's name of this controller.
     virtual CString name() const = 0;
+    // The images of the connected camera; null (as here) for a controller that delivers none.
+    // disconnect() stops them before it returns.
+    virtual IFrameSource* frameSource();
 };
 
 } // namespace kiv::cam

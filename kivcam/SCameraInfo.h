@@ -45,6 +45,8 @@ struct KIVCAM_EXPORT SCameraInfo {
     CString vendor;
     CString firmwareVersion;
     bool emulated = false;
+    double frameRate = 0; // frames per second the camera delivers when connected; 0: not known
+    bool hasNucMask = false; // the camera's controller offers a NUC (non-uniformity correction)
 
     // The largest camera description read, in bytes. A description is a few kilobytes; the
     // bound leaves room for a thousand times that and keeps a hostile file from taking the

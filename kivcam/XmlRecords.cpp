@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <string_view>
 #include <type_traits>
 
@@ -104,6 +105,8 @@ template <typename Camera, typename Visitor> void visitCamera(Camera& c, Visitor
     visit("vendor", c.vendor);
     visit("firmwareVersion", c.firmwareVersion);
     visit("emulated", c.emulated);
+    visit("frameRate", c.frameRate);
+    visit("hasNucMask", c.hasNucMask);
 }
 
 template <typename Device, typename Visitor> void visitDevice(Device& d, Visitor&& visit)
@@ -145,6 +148,10 @@ struct SWriter {
     void operator()(const char* name, const CParameters& parameters)
     {
         WriteParameters(parent.append_child(name), parameters);
+    }
+    void operator()(const char* name, double value)
+    {
+        parent.append_child(name).text().set(CVariant(value).ToString().data());
     }
     void operator()(const char* name, const SGuid& pixelType)
     {
@@ -200,6 +207,19 @@ struct SReader {
             pixelType = parsed;
         else
             ok = fail(error, node, "unknown pixel type \"" + std::string(value.view()) + "\"");
+    }
+    // A rate: a finite number, 0 or more.
+    void operator()(const char* name, double& value)
+    {
+        const pugi::xml_node node = find(name);
+        if (!node)
+            return;
+        CVariant number;
+        if (!parseNumber(node.text().get(), CVariant::TYPE_DOUBLE, number)
+            || !std::isfinite(number.ToDouble()) || number.ToDouble() < 0)
+            ok = fail(error, node, std::string("malformed value \"") + node.text().get() + "\"");
+        else
+            value = number.ToDouble();
     }
     void operator()(const char* name, EDataType& dataType)
     {

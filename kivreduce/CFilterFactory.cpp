@@ -1,13 +1,25 @@
 #include "CFilterFactory.h"
 
+#include "Filters.h"
+
 #include <kiv/EDataType.h>
 #include <kiv/PixelType.h>
 
+#include <array>
 #include <string_view>
+#include <utility>
 
 namespace kiv::reduce {
 
 namespace {
+
+constexpr std::array<std::pair<std::string_view, FilterFunction>, 5> filterTable{{
+    {"Passthrough8", filters::Passthrough8},
+    {"Linear16", filters::Linear16},
+    {"Signed16", filters::Signed16},
+    {"Float32", filters::Float32},
+    {"Colour", filters::Colour},
+}};
 
 bool isColour(std::string_view name)
 {
@@ -21,8 +33,8 @@ CFilterFactory::~CFilterFactory() = default;
 
 void CFilterFactory::getFilterNames(TArray<CString>& out)
 {
-    for (const char* name : {"Passthrough8", "Linear16", "Signed16", "Float32", "Colour"})
-        out.add(name);
+    for (const auto& [name, filter] : filterTable)
+        out.add(CString(name));
 }
 
 CString CFilterFactory::defaultFilterFor(const SGuid& pixelType)
@@ -43,6 +55,15 @@ CString CFilterFactory::defaultFilterFor(const SGuid& pixelType)
     default:
         return "Linear16";
     }
+}
+
+FilterFunction CFilterFactory::filterByName(const CString& name)
+{
+    for (const auto& [filterName, filter] : filterTable) {
+        if (filterName == name.view())
+            return filter;
+    }
+    return nullptr;
 }
 
 CFilterFactory* filterFactory()

@@ -14,17 +14,27 @@ CEmulatorController::CEmulatorController(
 
 bool CEmulatorController::connect(TSharedPtr<IDevice> device, SCameraInfo camera)
 {
+    // A new connection ends the stream of the previous one.
     m_connected = false;
+    m_frames.stop();
     if (!device || !device->isOpen())
         return false;
     std::this_thread::sleep_for(std::chrono::milliseconds(m_settings.connectDelay));
-    m_connected = !m_settings.connectFails && !m_world->cameraConnectFails(camera);
-    return m_connected;
+    if (m_settings.connectFails || m_world->cameraConnectFails(camera))
+        return false;
+    // Connected before the first image, which a listener may answer with a disconnect.
+    m_connected = true;
+    if (!m_frames.start(camera)) {
+        m_connected = false;
+        return false;
+    }
+    return true;
 }
 
 void CEmulatorController::disconnect()
 {
     m_connected = false;
+    m_frames.stop();
 }
 
 bool CEmulatorController::isConnected() const
@@ -35,6 +45,16 @@ bool CEmulatorController::isConnected() const
 CString CEmulatorController::name() const
 {
     return m_settings.name;
+}
+
+IFrameSource* CEmulatorController::frameSource()
+{
+    return &m_frames;
+}
+
+bool CEmulatorController::runNuc()
+{
+    return m_connected && m_frames.runNuc();
 }
 
 } // namespace kiv::cam

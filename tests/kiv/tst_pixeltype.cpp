@@ -98,6 +98,37 @@ private slots:
         QCOMPARE(dataType("RGB8"), kiv::DATA_TYPE_UINT8);
         QCOMPARE(dataType("BayerRG16"), kiv::DATA_TYPE_UINT16);
     }
+    void channelCounts()
+    {
+        const auto channels = [](const char* name) {
+            return kiv::PixelTypeToChannelCount(kiv::ParsePixelType(CString(name)));
+        };
+        for (const CString& name : names()) {
+            const QByteArray text = bytes(name);
+            const int expected = text.startsWith("RGBA") || text.startsWith("BGRA") ? 4
+                : text.startsWith("RGB") || text.startsWith("BGR")                  ? 3
+                : text == "YUV422_8"                                                ? 2
+                                                                                    : 1;
+            QCOMPARE(channels(text.constData()), expected);
+        }
+        QCOMPARE(channels("Mono14"), 1);
+        QCOMPARE(channels("BayerRG16"), 1);
+        QCOMPARE(kiv::PixelTypeToChannelCount(SGuid()), 0);
+    }
+    void dataTypeSizes()
+    {
+        QCOMPARE(kiv::DataTypeSize(kiv::DATA_TYPE_UNKNOWN), 0);
+        QCOMPARE(kiv::DataTypeSize(kiv::DATA_TYPE_UINT8), 1);
+        QCOMPARE(kiv::DataTypeSize(kiv::DATA_TYPE_INT8), 1);
+        QCOMPARE(kiv::DataTypeSize(kiv::DATA_TYPE_UINT16), 2);
+        QCOMPARE(kiv::DataTypeSize(kiv::DATA_TYPE_INT16), 2);
+        QCOMPARE(kiv::DataTypeSize(kiv::DATA_TYPE_UINT32), 4);
+        QCOMPARE(kiv::DataTypeSize(kiv::DATA_TYPE_INT32), 4);
+        QCOMPARE(kiv::DataTypeSize(kiv::DATA_TYPE_FLOAT32), 4);
+        QCOMPARE(kiv::DataTypeSize(kiv::DATA_TYPE_FLOAT64), 8);
+        QCOMPARE(kiv::DataTypeSize(static_cast<kiv::EDataType>(9)), 0);
+        QCOMPARE(kiv::DataTypeSize(static_cast<kiv::EDataType>(-1)), 0);
+    }
     void unknownNameGivesNull()
     {
         QVERIFY(kiv::ParsePixelType(CString("Mono9")).isNull());
@@ -116,11 +147,13 @@ private slots:
         other.data1 ^= 1;
         QVERIFY(kiv::PixelTypeToString(other).empty());
         QCOMPARE(kiv::PixelTypeToDataType(other), kiv::DATA_TYPE_UNKNOWN);
+        QCOMPARE(kiv::PixelTypeToChannelCount(other), 0);
         // Right stem, numbers past the list and zero.
         SGuid past = kiv::ParsePixelType(CString("YUV422_8"));
         past.data4[7] = 22;
         QVERIFY(kiv::PixelTypeToString(past).empty());
         QCOMPARE(kiv::PixelTypeToDataType(past), kiv::DATA_TYPE_UNKNOWN);
+        QCOMPARE(kiv::PixelTypeToChannelCount(past), 0);
         past.data4[7] = 0;
         QVERIFY(kiv::PixelTypeToString(past).empty());
         past.data4[7] = 0xff;

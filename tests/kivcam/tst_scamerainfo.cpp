@@ -114,6 +114,8 @@ SCameraInfo populated()
     camera.vendor = "Northlight Imaging";
     camera.firmwareVersion = "1.9.3";
     camera.emulated = true;
+    camera.frameRate = 29.97;
+    camera.hasNucMask = true;
     return camera;
 }
 
@@ -175,6 +177,8 @@ void compareCameras(const SCameraInfo& a, const SCameraInfo& b)
     QCOMPARE(bytes(a.vendor), bytes(b.vendor));
     QCOMPARE(bytes(a.firmwareVersion), bytes(b.firmwareVersion));
     QCOMPARE(a.emulated, b.emulated);
+    QCOMPARE(a.frameRate, b.frameRate);
+    QCOMPARE(a.hasNucMask, b.hasNucMask);
 }
 
 // Text of each kind that XML cannot carry as it is: ill-formed UTF-8 (a stray continuation
@@ -264,6 +268,19 @@ private slots:
         QVERIFY(text.contains("<camera version=\"1\">"));
         QVERIFY(text.contains("<pixelType>Mono14</pixelType>"));
         QVERIFY(text.contains("<name>Kelvin640</name>"));
+        QVERIFY(text.contains("<frameRate>29.97</frameRate>"));
+        QVERIFY(text.contains("<hasNucMask>true</hasNucMask>"));
+    }
+    // Files written before the frame rate and the NUC were recorded still load, without them.
+    void rateAndNucMayBeAbsent()
+    {
+        SCameraInfo camera;
+        QVERIFY(loadText(camera, "<camera><name>Nova</name><frameRate>60</frameRate></camera>"));
+        QCOMPARE(camera.frameRate, 60.0);
+        QVERIFY(!camera.hasNucMask);
+        QVERIFY(loadText(camera, "<camera><name>Nova</name><hasNucMask>1</hasNucMask></camera>"));
+        QCOMPARE(camera.frameRate, 0.0);
+        QVERIFY(camera.hasNucMask);
     }
     void loadsFromMemory()
     {
@@ -306,6 +323,13 @@ private slots:
         QTest::newRow("out of range") << QByteArray("<camera><width>70000</width></camera>");
         QTest::newRow("negative unsigned") << QByteArray("<camera><cropTop>-1</cropTop></camera>");
         QTest::newRow("bad flag") << QByteArray("<camera><canConnect>maybe</canConnect></camera>");
+        QTest::newRow("bad rate") << QByteArray("<camera><frameRate>fast</frameRate></camera>");
+        QTest::newRow("negative rate") << QByteArray("<camera><frameRate>-1</frameRate></camera>");
+        QTest::newRow("rate not a number")
+            << QByteArray("<camera><frameRate>nan</frameRate></camera>");
+        QTest::newRow("infinite rate") << QByteArray("<camera><frameRate>inf</frameRate></camera>");
+        QTest::newRow("bad NUC flag")
+            << QByteArray("<camera><hasNucMask>sometimes</hasNucMask></camera>");
         QTest::newRow("unknown pixel type")
             << QByteArray("<camera><pixelType>Mono99</pixelType></camera>");
         QTest::newRow("unknown data type")

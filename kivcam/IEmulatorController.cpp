@@ -1,0 +1,7 @@
+#include "IEmulatorController.h"
+
+namespace kiv::cam {
+
+IEmulatorController::~IEmulatorController() = default;
+
+} // namespace kiv::cam

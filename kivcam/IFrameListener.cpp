@@ -1,0 +1,7 @@
+#include "IFrameListener.h"
+
+namespace kiv::cam {
+
+IFrameListener::~IFrameListener() = default;
+
+} // namespace kiv::cam

@@ -1,0 +1,7 @@
+#include "IFrameSource.h"
+
+namespace kiv::cam {
+
+IFrameSource::~IFrameSource() = default;
+
+} // namespace kiv::cam

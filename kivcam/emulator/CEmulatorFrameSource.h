@@ -1,0 +1,75 @@
+#pragma once
+
+#include <kiv/TArray.h>
+#include <kivcam/IFrameSource.h>
+#include <kivcam/SCameraInfo.h>
+#include <kivcam/emulator/CEmulatorScene.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace kiv::cam {
+
+// The frame source of an emulated controller: while the controller is connected, a thread of its
+// own renders the camera's scene (CEmulatorScene) at the frame rate and hands each image to the
+// listeners.
+class CEmulatorFrameSource : public IFrameSource {
+public:
+    // The rate of a camera whose record gives none.
+    static constexpr double defaultFrameRate = 30;
+
+    CEmulatorFrameSource() = default;
+    // Stops the stream. Not from within a listener's call.
+    ~CEmulatorFrameSource() override;
+
+    void subscribe(IFrameListener* listener) override;
+    void unsubscribe(IFrameListener* listener) override;
+    double frameRate() const override;
+    bool setFrameRate(double rate) override;
+
+    // Starts the stream of that camera, after stopping one that runs: the listeners hear
+    // streamStarted, then images follow at the camera's rate (defaultFrameRate when its record
+    // gives none, maxFrameRate at most). False, starting nothing, from within a listener's call.
+    bool start(const SCameraInfo& camera);
+    // Stops the stream, if one runs: the listeners hear streamStopped, and once this returns no
+    // listener call is running or will be made (but the caller's own, when called from within
+    // a listener's call; the stream's thread then ends as that call returns).
+    void stop();
+    // See IEmulatorController::runNuc.
+    bool runNuc();
+
+private:
+    // Stops the stream and waits for its thread; the caller holds m_controlMutex.
+    void halt();
+    void run();
+    void deliver(const TSharedPtr<const CImage>& image);
+    void stopped();
+    bool onStreamThread() const { return m_streamThread.load() == std::this_thread::get_id(); }
+
+    // Held while listeners are called, so that unsubscribe waits for a call in progress;
+    // recursive, so that a listener may subscribe and unsubscribe from within its own call.
+    std::recursive_mutex m_listenerMutex;
+    TArray<IFrameListener*> m_listeners;
+    SCameraInfo m_camera; // of the running stream
+    bool m_streaming = false;
+
+    // Serialises start and stop.
+    std::mutex m_controlMutex;
+    std::thread m_thread;
+    std::atomic<std::thread::id> m_streamThread;
+
+    // What the stream's thread waits on, and is woken for.
+    mutable std::mutex m_stateMutex;
+    std::condition_variable m_wake;
+    bool m_stopping = false;
+    bool m_rateChanged = false;
+    double m_rate = defaultFrameRate;
+    bool m_hasNuc = false;
+    // Made by start, used by the stream's thread, destroyed once the thread has ended.
+    std::unique_ptr<CEmulatorScene> m_scene;
+};
+
+} // namespace kiv::cam
