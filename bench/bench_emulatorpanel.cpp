@@ -135,7 +135,7 @@ int main(int argc, char** argv)
     interfaces()->setEnableEmulators(true);
     const TSharedPtr<IInterface> transport = interfaces()->interfaceByName("EmuCameraLink");
     TArray<SCameraInfo> cameras;
-    transport->findCameras(cameras);
+    transport->findCameras(cameras, {});
     SCameraInfo camera;
     for (const SCameraInfo& found : cameras) {
         if (found.name == CString("Jasper640"))

@@ -42,7 +42,7 @@ struct SSession {
         : device(interfaces()->interfaceByName("Emu")->createDevice())
     {
         TArray<SCameraInfo> cameras;
-        interfaces()->interfaceByName("Emu")->findCameras(cameras);
+        interfaces()->interfaceByName("Emu")->findCameras(cameras, {});
         for (const SCameraInfo& found : cameras) {
             if (found.serial == CString(serial))
                 camera = found;
