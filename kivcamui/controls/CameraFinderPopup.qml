@@ -161,28 +161,30 @@ Popup {
         SectionHeader {
             text: "Found Cameras"
         }
-        ListView {
+        // The popup grows with its rows and never scrolls, so the rows are laid out as they are.
+        Column {
             id: cameraList
             objectName: "cameraList"
             width: popup.width - 16
-            height: count * 40
-            interactive: false
-            model: popup.cameraFinder ? popup.cameraFinder.cameras : null
-            delegate: CameraRow {
-                required property var model
-                objectName: "cameraRow"
-                width: cameraList.width
-                textWidth: cameraList.width - 40
-                camera: model.item
-                onClicked: {
-                    if (model.item.canConnect) {
-                        const camera = model.item
-                        popup.close()
-                        popup.connect(camera)
-                        camera.save(popup.lastCameraFname)
-                        popup.reloadLastCamera()
-                    } else {
-                        popup.showCantConnect(model.item.errorMessage)
+
+            Repeater {
+                model: popup.cameraFinder ? popup.cameraFinder.cameras : null
+                delegate: CameraRow {
+                    required property var model
+                    objectName: "cameraRow"
+                    width: cameraList.width
+                    textWidth: cameraList.width - 40
+                    camera: model.item
+                    onClicked: {
+                        if (model.item.canConnect) {
+                            const camera = model.item
+                            popup.close()
+                            popup.connect(camera)
+                            camera.save(popup.lastCameraFname)
+                            popup.reloadLastCamera()
+                        } else {
+                            popup.showCantConnect(model.item.errorMessage)
+                        }
                     }
                 }
             }

@@ -51,10 +51,13 @@ Item {
             dialogs = []
         }
 
+        // Opens the dialog and waits until its search has ended and it has been laid out anew,
+        // so that clicks land where its rows are.
         function openAndWait(dialog) {
             dialog.open()
             tryCompare(dialog, "opened", true)
             tryCompare(dialog.cameraFinder, "scanning", false, 10000)
+            waitForItemPolished(dialog.contentItem.parent)
         }
 
         function findByName(item, name) {

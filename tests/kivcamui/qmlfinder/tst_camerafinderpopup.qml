@@ -73,10 +73,14 @@ Item {
             return createTemporaryObject(finderComponent, root, properties || {})
         }
 
+        // Opens the popup and waits until its search has ended and it has been laid out anew,
+        // so that clicks land where its rows are.
         function openAndWait(popup) {
             popup.open()
             tryCompare(popup, "opened", true)
             tryCompare(popup.cameraFinder, "scanning", false, 10000)
+            waitForItemPolished(popup.contentItem.parent)
+            waitForItemPolished(findByName(popup.contentItem, "cameraList"))
         }
 
         function findByName(item, name) {
@@ -92,10 +96,9 @@ Item {
 
         function rowOf(popup, identity) {
             const list = findByName(popup.contentItem, "cameraList")
-            list.forceLayout()
-            for (let i = 0; i < list.count; ++i) {
-                const row = list.itemAtIndex(i)
-                if (row && row.camera.identity === identity)
+            for (let i = 0; i < list.children.length; ++i) {
+                const row = list.children[i]
+                if (row.objectName === "cameraRow" && row.camera.identity === identity)
                     return row
             }
             return null
@@ -211,6 +214,7 @@ Item {
             const popup = loader.item
             popup.open()
             tryCompare(popup, "opened", true)
+            waitForItemPolished(popup.contentItem.parent)
             const before = fixture.fileText(dir + "/lastCamera.xml")
             mouseClick(findByName(popup.contentItem, "lastCameraRow"))
             compare(loader.picked, ["Saved"])
@@ -246,6 +250,7 @@ Item {
             const popup = loader.item
             popup.open()
             tryCompare(popup, "opened", true)
+            waitForItemPolished(popup.contentItem.parent)
             mouseClick(findByName(popup.contentItem, "lastCameraRow"))
             compare(loader.picked, [])
             tryCompare(popup, "visible", false)
