@@ -1,4 +1,5 @@
 #include "../HostileFiles.h"
+#include "PoolBlocker.h"
 
 #include <kivcamui/camera/CameraFinderModel.h>
 
@@ -7,7 +8,6 @@
 #include <QElapsedTimer>
 #include <QPointer>
 #include <QProcess>
-#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -47,20 +47,10 @@ bool scanToEnd(CameraFinderModel& model)
 bool scanWithChangesBeforeTheTaskStarts(
     CameraFinderModel& model, const std::function<void()>& changes)
 {
-    QThreadPool* pool = QThreadPool::globalInstance();
-    const int threads = pool->maxThreadCount();
-    QSemaphore started;
-    QSemaphore release;
-    for (int i = 0; i < threads; ++i) {
-        pool->start([&] {
-            started.release();
-            release.acquire();
-        });
-    }
-    started.acquire(threads);
+    PoolBlocker blocker;
     model.scan();
     changes();
-    release.release(threads);
+    blocker.release();
     return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
 }
 
@@ -383,10 +373,7 @@ private slots:
         QCOMPARE(CameraFinderModel::loadCameraInfo(dir.filePath("plain-path.xml")), nullptr);
         QCOMPARE(CameraFinderModel::loadCameraInfo(QString()), nullptr);
     }
-    void hostileFilesGiveNullAtOnce_data()
-    {
-        hostile::addPathRows(m_folder);
-    }
+    void hostileFilesGiveNullAtOnce_data() { hostile::addPathRows(m_folder); }
     void hostileFilesGiveNullAtOnce()
     {
         // A FIFO used to block the GUI thread in loadCameraInfo for ever.
