@@ -21,6 +21,9 @@ ApplicationWindow {
     palette.highlight: "#E0822B"
     palette.highlightedText: "#FFFFFF"
     palette.placeholderText: "#8C8C99"
+    palette.disabled.text: "#6C6C78"
+    palette.disabled.windowText: "#6C6C78"
+    palette.disabled.buttonText: "#6C6C78"
 
     readonly property var camera: cameraList.currentIndex >= 0 ? finder.cameras.at(cameraList.currentIndex) : null
 
@@ -39,7 +42,7 @@ ApplicationWindow {
                 panel.source = ""
         }
         onConnectingChanged: {
-            if (!connecting && screenshotFile !== "")
+            if (!connecting && screenshotFile !== "" && startPage !== "custom")
                 shotTimer.start()
         }
     }
@@ -54,7 +57,7 @@ ApplicationWindow {
     // connect, and saves the window when the connect has ended.
     Connections {
         target: finder
-        enabled: screenshotFile !== ""
+        enabled: screenshotFile !== "" && startPage !== "custom"
         function onScanningChanged() {
             if (finder.scanning)
                 return
@@ -69,11 +72,40 @@ ApplicationWindow {
             shotTimer.start()
         }
     }
+    // With --page custom: opens the custom camera dialog and, with --screenshot, saves the window
+    // with the dialog once its search has ended: a Kelvin 640 on a device entered by hand.
+    Connections {
+        target: customCamera.dialog ? customCamera.dialog.cameraSelector : null
+        enabled: startPage === "custom" && screenshotFile !== ""
+        function onScanningChanged() {
+            const selector = customCamera.dialog.cameraSelector
+            if (selector.scanning)
+                return
+            for (let i = 0; i < selector.cameras.size; ++i) {
+                if (selector.cameras.at(i).name === "Kelvin640")
+                    selector.selectedCameraIndex = i
+            }
+            for (let i = 0; i < selector.devices.size; ++i) {
+                const device = selector.devices.at(i)
+                if (!device.isFound && selector.selectedCamera.isSupportedBaseDeviceType(device.baseType)) {
+                    selector.selectedDeviceIndex = i
+                    break
+                }
+            }
+            shotTimer.start()
+        }
+    }
+    Timer {
+        running: startPage === "custom"
+        interval: 0
+        onTriggered: customCamera.dialog.open()
+    }
     Timer {
         id: shotTimer
         interval: 1000
         onTriggered: {
-            page.grabToImage(function (result) {
+            // The whole window, popups included, for the dialog.
+            (startPage === "custom" ? customCamera.Overlay.overlay.parent : page).grabToImage(function (result) {
                 result.saveToFile(screenshotFile)
                 Qt.quit()
             })
@@ -94,7 +126,7 @@ ApplicationWindow {
             anchors.rightMargin: 12
             TabBar {
                 id: pages
-                currentIndex: startPage === "editors" ? 1 : 0
+                currentIndex: startPage === "editors" ? 1 : startPage === "devices" ? 2 : 0
                 background: null
                 TabButton {
                     text: "Cameras"
@@ -103,6 +135,11 @@ ApplicationWindow {
                 }
                 TabButton {
                     text: "Sensor window"
+                    width: implicitWidth
+                    font.bold: true
+                }
+                TabButton {
+                    text: "Devices"
                     width: implicitWidth
                     font.bold: true
                 }
@@ -121,6 +158,10 @@ ApplicationWindow {
                 text: "Scan"
                 enabled: !finder.scanning
                 onClicked: finder.scan()
+            }
+            CustomCameraButton {
+                id: customCamera
+                standalone: standalone
             }
         }
     }
@@ -349,6 +390,11 @@ ApplicationWindow {
     // The selected camera's sensor window and its place on a display.
     EditorsPage {
         camera: window.camera
+    }
+
+    // The devices of chosen transports, with presets for their parameters.
+    DevicesPage {
+        transports: transportNames
     }
     }
 }
