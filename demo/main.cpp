@@ -30,8 +30,10 @@ int main(int argc, char** argv)
     const QCommandLineOption screenshot(
         "screenshot", "Save the window to <file> and quit.", "file");
     parser.addOption(screenshot);
-    const QCommandLineOption page(
-        "page", "Show <page> (cameras, editors or devices) first, or open the custom camera dialog (custom).", "page", "cameras");
+    const QCommandLineOption page("page",
+        "Show <page> (cameras, editors or devices) first, or open the custom camera dialog "
+        "(custom).",
+        "page", "cameras");
     parser.addOption(page);
     parser.process(app);
 

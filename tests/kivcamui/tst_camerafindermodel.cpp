@@ -1,4 +1,5 @@
 #include "../HostileFiles.h"
+#include "DiscoveryTest.h"
 #include "PoolBlocker.h"
 
 #include <kivcamui/camera/CameraFinderModel.h>
@@ -32,14 +33,6 @@ QStringList serials(CameraFinderModel& model)
     for (int i = 0; i < model.cameras()->size(); ++i)
         found << qobject_cast<CameraInfo*>(model.cameras()->at(i))->serial();
     return found;
-}
-
-// Runs one search to its end.
-bool scanToEnd(CameraFinderModel& model)
-{
-    QSignalSpy scanning(&model, &CameraFinderModel::scanningChanged);
-    model.scan();
-    return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
 }
 
 // Starts a search while every thread of the pool is busy, so that its task waits in the queue,
@@ -110,23 +103,10 @@ private slots:
         QCOMPARE(model.cameras()->size(), 0);
         QCOMPARE(model.parent(), nullptr);
     }
-    void environmentTurnsEmulatorsOn_data()
-    {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<bool>("set");
-        QTest::addColumn<bool>("enabled");
-        QTest::newRow("absent") << QByteArray() << false << false;
-        QTest::newRow("empty") << QByteArray() << true << false;
-        QTest::newRow("zero") << QByteArray("0") << true << true;
-        QTest::newRow("one") << QByteArray("1") << true << true;
-    }
+    void environmentTurnsEmulatorsOn_data() { addEmulatorEnvironmentRows(); }
     void environmentTurnsEmulatorsOn()
     {
-        QFETCH(QByteArray, value);
-        QFETCH(bool, set);
-        QFETCH(bool, enabled);
-        if (set)
-            qputenv("KIVCAM_ENABLE_EMULATORS", value);
+        const bool enabled = applyEmulatorEnvironment();
         const CameraFinderModel model;
         QCOMPARE(model.enableEmulators(), enabled);
     }

@@ -1,4 +1,5 @@
 #include "DeviceRows.h"
+#include "DiscoveryTest.h"
 #include "PoolBlocker.h"
 #include "SignalLog.h"
 
@@ -24,12 +25,6 @@ using kiv::cam::ui::CameraModel;
 using kiv::cam::ui::CustomCameraSelectorModel;
 
 namespace {
-
-bool scanToEnd(CustomCameraSelectorModel& model)
-{
-    model.scan();
-    return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
-}
 
 // Deletes what waits for the event loop's next turn.
 void runDeferredDeletes()
@@ -111,24 +106,11 @@ private slots:
             QCOMPARE(QJSEngine::objectOwnership(list), QJSEngine::CppOwnership);
         QCOMPARE(model.devices()->size(), 0);
     }
-    void environmentTurnsEmulatorsOn_data()
-    {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<bool>("set");
-        QTest::addColumn<bool>("enabled");
-        QTest::newRow("absent") << QByteArray() << false << false;
-        QTest::newRow("empty") << QByteArray() << true << false;
-        QTest::newRow("zero") << QByteArray("0") << true << true;
-        QTest::newRow("yes") << QByteArray("yes") << true << true;
-    }
+    void environmentTurnsEmulatorsOn_data() { addEmulatorEnvironmentRows(); }
     void environmentTurnsEmulatorsOn()
     {
-        QFETCH(QByteArray, value);
-        QFETCH(bool, set);
-        QFETCH(bool, enabled);
-        if (set)
-            qputenv("KIVCAM_ENABLE_EMULATORS", value);
-        CustomCameraSelectorModel model;
+        const bool enabled = applyEmulatorEnvironment();
+        const CustomCameraSelectorModel model;
         QCOMPARE(model.enableEmulators(), enabled);
     }
     void enableEmulatorsAnnouncesChangesAndWaitsForTheNextSearch()

@@ -1,4 +1,5 @@
 #include "DeviceRows.h"
+#include "DiscoveryTest.h"
 #include "PoolBlocker.h"
 #include "SignalLog.h"
 
@@ -13,13 +14,6 @@
 #include <QThreadPool>
 
 namespace {
-
-// Runs one search to its end.
-bool scanToEnd(DeviceFinderModel& model)
-{
-    model.scan();
-    return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
-}
 
 DeviceInfo* device(DeviceFinderModel& model, const QString& row)
 {
