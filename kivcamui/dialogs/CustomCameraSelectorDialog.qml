@@ -78,7 +78,6 @@ Dialog {
     // A list of devices whose current row follows the model's index; a click asks the model
     // to choose the row, and a row the camera type cannot use takes no click.
     component DeviceList: ListView {
-
         property int selectedIndex: -1
         signal chosen(int index)
 
@@ -164,6 +163,26 @@ Dialog {
         }
     }
 
+    // A combo box that shows its names as they are, in the box and in its list. Its parts find
+    // the box through their parents, not through an id (see DeviceList).
+    component NameComboBox: ComboBox {
+        contentItem: LineLabel {
+            leftPadding: 8
+            color: parent ? parent.palette.buttonText : "black"
+            text: parent ? parent.displayText : ""
+        }
+        delegate: Component {
+            ItemDelegate {
+                required property string modelData
+                width: ListView.view.width
+                highlighted: ListView.isCurrentItem
+                contentItem: LineLabel {
+                    text: parent ? parent.modelData : ""
+                }
+            }
+        }
+    }
+
     component SectionHeader: Rectangle {
         property alias text: headerLabel.text
         width: parent.width
@@ -179,7 +198,6 @@ Dialog {
     // A device's parameters, each with the editor its writability and values call for. Where
     // mirrored, an edit is also made to the video device's parameter of the same index.
     component ParameterList: ListView {
-
         property bool mirrored: false
 
         function write(parameter, key, value) {
@@ -230,7 +248,7 @@ Dialog {
                         text: parameterRow.parameter.value
                         onEditingFinished: parameterRow.ListView.view.write(parameterRow.parameter, "value", text)
                     }
-                    ComboBox {
+                    NameComboBox {
                         objectName: "valueCombo"
                         visible: parameterRow.parameter.isWritable && parameterRow.parameter.hasAllowedValues
                         anchors.fill: parent
@@ -273,7 +291,7 @@ Dialog {
     }
 
     // A camera property chosen by index from a list of names.
-    component CameraCombo: ComboBox {
+    component CameraCombo: NameComboBox {
         property string names: ""
         property string key: ""
         readonly property var cameraInfo: cameraSelectorDlg.cameraSelector.cameraInfo

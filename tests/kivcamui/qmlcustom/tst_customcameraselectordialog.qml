@@ -483,6 +483,28 @@ Item {
             compare(findByName(customPort, "valueField").text, "COM1")
         }
 
+        function test_namesShowAsTheyAre() {
+            const dialog = openedDialog()
+            chooseCamera(dialog, custom)
+            chooseDevice(dialog, "deviceList", "Grabber/Custom")
+            const combo = findByName(parameterRow(part(dialog, "commParameterList"), "Control"), "valueCombo")
+            compare(combo.contentItem.textFormat, Text.PlainText)
+            compare(combo.contentItem.text, "Port 0")
+            combo.popup.open()
+            tryCompare(combo.popup, "opened", true)
+            const entry = combo.popup.contentItem.itemAtIndex(1)
+            compare(entry.contentItem.textFormat, Text.PlainText)
+            compare(entry.contentItem.text, "Port 1")
+            compare(entry.width, combo.popup.contentItem.width)
+            combo.popup.close()
+            const controller = part(dialog, "controllerCombo")
+            compare(controller.contentItem.text, "Generic")
+            controller.popup.open()
+            tryCompare(controller.popup, "opened", true)
+            compare(controller.popup.contentItem.itemAtIndex(1).contentItem.text, "Thermal")
+            controller.popup.close()
+        }
+
         function test_oneDeviceEditsAreMirroredToTheVideoDevice() {
             const dialog = openedDialog()
             chooseCamera(dialog, custom)
