@@ -72,33 +72,12 @@ ApplicationWindow {
             shotTimer.start()
         }
     }
-    // With --page custom: opens the custom camera dialog and, with --screenshot, saves the window
-    // with the dialog once its search has ended: a Kelvin 640 on a device entered by hand.
-    Connections {
-        target: customCamera.dialog ? customCamera.dialog.cameraSelector : null
-        enabled: startPage === "custom" && screenshotFile !== ""
-        function onScanningChanged() {
-            const selector = customCamera.dialog.cameraSelector
-            if (selector.scanning)
-                return
-            for (let i = 0; i < selector.cameras.size; ++i) {
-                if (selector.cameras.at(i).name === "Kelvin640")
-                    selector.selectedCameraIndex = i
-            }
-            for (let i = 0; i < selector.devices.size; ++i) {
-                const device = selector.devices.at(i)
-                if (!device.isFound && selector.selectedCamera.isSupportedBaseDeviceType(device.baseType)) {
-                    selector.selectedDeviceIndex = i
-                    break
-                }
-            }
-            shotTimer.start()
-        }
-    }
+    // With --page custom: opens the custom camera dialog on an example and, with --screenshot,
+    // saves the window with it.
     Timer {
         running: startPage === "custom"
         interval: 0
-        onTriggered: customCamera.dialog.open()
+        onTriggered: customCamera.openExample()
     }
     Timer {
         id: shotTimer
@@ -162,6 +141,10 @@ ApplicationWindow {
             CustomCameraButton {
                 id: customCamera
                 standalone: standalone
+                onExampleShown: {
+                    if (screenshotFile !== "")
+                        shotTimer.start()
+                }
             }
         }
     }

@@ -214,6 +214,19 @@ Item {
             tryCompare(dialog, "visible", false)
         }
 
+        function test_assembledCameraConnects() {
+            const standalone = createTemporaryQmlObject("import kivcamui 1.0; StandaloneModel {}", root)
+            const dialog = openedDialog()
+            dialog.accepted.connect(() => standalone.connect(dialog.cameraSelector.cameraInfo))
+            chooseCamera(dialog, kelvin)
+            chooseDevice(dialog, "deviceList", "Grabber/Port 0")
+            mouseClick(button(dialog, "connectButton"))
+            tryCompare(standalone, "connecting", false, 10000)
+            compare(standalone.connected, true)
+            compare(standalone.controllerName, "Kelvin640")
+            standalone.disconnect()
+        }
+
         function test_cancelClosesWithoutAccepting() {
             const dialog = openedDialog()
             const accepted = createTemporaryObject(spyComponent, root, { target: dialog, signalName: "accepted" })
