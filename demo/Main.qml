@@ -21,6 +21,9 @@ ApplicationWindow {
     palette.highlight: "#E0822B"
     palette.highlightedText: "#FFFFFF"
     palette.placeholderText: "#8C8C99"
+    palette.disabled.text: "#6C6C78"
+    palette.disabled.windowText: "#6C6C78"
+    palette.disabled.buttonText: "#6C6C78"
 
     readonly property var camera: cameraList.currentIndex >= 0 ? finder.cameras.at(cameraList.currentIndex) : null
 
@@ -39,7 +42,7 @@ ApplicationWindow {
                 panel.source = ""
         }
         onConnectingChanged: {
-            if (!connecting && screenshotFile !== "")
+            if (!connecting && screenshotFile !== "" && startPage !== "custom")
                 shotTimer.start()
         }
     }
@@ -54,7 +57,7 @@ ApplicationWindow {
     // connect, and saves the window when the connect has ended.
     Connections {
         target: finder
-        enabled: screenshotFile !== ""
+        enabled: screenshotFile !== "" && startPage !== "custom"
         function onScanningChanged() {
             if (finder.scanning)
                 return
@@ -69,11 +72,19 @@ ApplicationWindow {
             shotTimer.start()
         }
     }
+    // With --page custom: opens the custom camera dialog on an example and, with --screenshot,
+    // saves the window with it.
+    Timer {
+        running: startPage === "custom"
+        interval: 0
+        onTriggered: customCamera.openExample()
+    }
     Timer {
         id: shotTimer
         interval: 1000
         onTriggered: {
-            page.grabToImage(function (result) {
+            // The whole window, popups included, for the dialog.
+            (startPage === "custom" ? customCamera.Overlay.overlay.parent : page).grabToImage(function (result) {
                 result.saveToFile(screenshotFile)
                 Qt.quit()
             })
@@ -94,7 +105,7 @@ ApplicationWindow {
             anchors.rightMargin: 12
             TabBar {
                 id: pages
-                currentIndex: startPage === "editors" ? 1 : 0
+                currentIndex: startPage === "editors" ? 1 : startPage === "devices" ? 2 : 0
                 background: null
                 TabButton {
                     text: "Cameras"
@@ -103,6 +114,11 @@ ApplicationWindow {
                 }
                 TabButton {
                     text: "Sensor window"
+                    width: implicitWidth
+                    font.bold: true
+                }
+                TabButton {
+                    text: "Devices"
                     width: implicitWidth
                     font.bold: true
                 }
@@ -121,6 +137,14 @@ ApplicationWindow {
                 text: "Scan"
                 enabled: !finder.scanning
                 onClicked: finder.scan()
+            }
+            CustomCameraButton {
+                id: customCamera
+                standalone: standalone
+                onExampleShown: {
+                    if (screenshotFile !== "")
+                        shotTimer.start()
+                }
             }
         }
     }
@@ -349,6 +373,11 @@ ApplicationWindow {
     // The selected camera's sensor window and its place on a display.
     EditorsPage {
         camera: window.camera
+    }
+
+    // The devices of chosen transports, with presets for their parameters.
+    DevicesPage {
+        transports: transportNames
     }
     }
 }

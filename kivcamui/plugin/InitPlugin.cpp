@@ -3,6 +3,8 @@
 #include <kivcamui/camera/CameraFinderModel.h>
 #include <kivcamui/camera/CameraInfo.h>
 #include <kivcamui/custom/CameraModel.h>
+#include <kivcamui/custom/CustomCameraSelectorModel.h>
+#include <kivcamui/device/DeviceFinderModel.h>
 #include <kivcamui/device/DeviceInfo.h>
 #include <kivcamui/editors/DisplayEditor.h>
 #include <kivcamui/editors/WindowEditor.h>
@@ -27,8 +29,10 @@ void kivcamuiInitPlugin()
         "kivcamui", 1, 0, "CameraInfo", "Can only create CameraInfo from CameraFinderModel");
     qmlRegisterType<WindowEditor>("kivcamui", 1, 0, "WindowEditor");
     qmlRegisterType<DisplayEditor>("kivcamui", 1, 0, "DisplayEditor");
+    qmlRegisterType<DeviceFinderModel>("kivcamui", 1, 0, "DeviceFinderModel");
     qmlRegisterUncreatableType<DeviceInfo>(
         "kivcamui", 1, 0, "DeviceInfo", "Can only create CameraInfo from CameraFinderModel");
+    qmlRegisterType<CustomCameraSelectorModel>("kivcamui", 1, 0, "CustomCameraSelectorModel");
     qmlRegisterUncreatableType<CameraModel>(
         "kivcamui", 1, 0, "CameraModel", "Can only get CameraModel from CustomCameraSelectorModel");
 

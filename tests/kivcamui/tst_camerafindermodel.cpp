@@ -1,4 +1,6 @@
 #include "../HostileFiles.h"
+#include "DiscoveryTest.h"
+#include "PoolBlocker.h"
 
 #include <kivcamui/camera/CameraFinderModel.h>
 
@@ -7,7 +9,6 @@
 #include <QElapsedTimer>
 #include <QPointer>
 #include <QProcess>
-#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -34,33 +35,15 @@ QStringList serials(CameraFinderModel& model)
     return found;
 }
 
-// Runs one search to its end.
-bool scanToEnd(CameraFinderModel& model)
-{
-    QSignalSpy scanning(&model, &CameraFinderModel::scanningChanged);
-    model.scan();
-    return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
-}
-
 // Starts a search while every thread of the pool is busy, so that its task waits in the queue,
 // makes changes meanwhile, and lets the task start.
 bool scanWithChangesBeforeTheTaskStarts(
     CameraFinderModel& model, const std::function<void()>& changes)
 {
-    QThreadPool* pool = QThreadPool::globalInstance();
-    const int threads = pool->maxThreadCount();
-    QSemaphore started;
-    QSemaphore release;
-    for (int i = 0; i < threads; ++i) {
-        pool->start([&] {
-            started.release();
-            release.acquire();
-        });
-    }
-    started.acquire(threads);
+    PoolBlocker blocker;
     model.scan();
     changes();
-    release.release(threads);
+    blocker.release();
     return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
 }
 
@@ -120,23 +103,10 @@ private slots:
         QCOMPARE(model.cameras()->size(), 0);
         QCOMPARE(model.parent(), nullptr);
     }
-    void environmentTurnsEmulatorsOn_data()
-    {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<bool>("set");
-        QTest::addColumn<bool>("enabled");
-        QTest::newRow("absent") << QByteArray() << false << false;
-        QTest::newRow("empty") << QByteArray() << true << false;
-        QTest::newRow("zero") << QByteArray("0") << true << true;
-        QTest::newRow("one") << QByteArray("1") << true << true;
-    }
+    void environmentTurnsEmulatorsOn_data() { addEmulatorEnvironmentRows(); }
     void environmentTurnsEmulatorsOn()
     {
-        QFETCH(QByteArray, value);
-        QFETCH(bool, set);
-        QFETCH(bool, enabled);
-        if (set)
-            qputenv("KIVCAM_ENABLE_EMULATORS", value);
+        const bool enabled = applyEmulatorEnvironment();
         const CameraFinderModel model;
         QCOMPARE(model.enableEmulators(), enabled);
     }
@@ -383,10 +353,7 @@ private slots:
         QCOMPARE(CameraFinderModel::loadCameraInfo(dir.filePath("plain-path.xml")), nullptr);
         QCOMPARE(CameraFinderModel::loadCameraInfo(QString()), nullptr);
     }
-    void hostileFilesGiveNullAtOnce_data()
-    {
-        hostile::addPathRows(m_folder);
-    }
+    void hostileFilesGiveNullAtOnce_data() { hostile::addPathRows(m_folder); }
     void hostileFilesGiveNullAtOnce()
     {
         // A FIFO used to block the GUI thread in loadCameraInfo for ever.

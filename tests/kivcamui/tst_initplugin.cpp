@@ -37,9 +37,11 @@ private slots:
     {
         QCOMPARE(QDir(":/kivcamui").entryList(), QStringList({"controls", "dialogs", "images"}));
         const QStringList components{":/kivcamui/controls/CameraFinderPopup.qml",
-            ":/kivcamui/dialogs/CameraFinderDialog.qml"};
+            ":/kivcamui/dialogs/CameraFinderDialog.qml",
+            ":/kivcamui/dialogs/CustomCameraSelectorDialog.qml"};
         QCOMPARE(QDir(":/kivcamui/controls").entryList(), QStringList({"CameraFinderPopup.qml"}));
-        QCOMPARE(QDir(":/kivcamui/dialogs").entryList(), QStringList({"CameraFinderDialog.qml"}));
+        QCOMPARE(QDir(":/kivcamui/dialogs").entryList(),
+            QStringList({"CameraFinderDialog.qml", "CustomCameraSelectorDialog.qml"}));
         QCOMPARE(QDir(":/kivcamui/images").entryList(), QStringList({"wspreview.png"}));
         for (const QString& path : components) {
             const QResource resource(path);
@@ -81,7 +83,8 @@ private slots:
         // Type ids are handed out in registration order.
         int previous = -1;
         for (const char* name :
-            {"StandaloneModel", "CameraFinderModel", "CameraInfo", "DeviceInfo", "CameraModel"}) {
+            {"StandaloneModel", "CameraFinderModel", "CameraInfo", "WindowEditor", "DisplayEditor",
+                "DeviceFinderModel", "DeviceInfo", "CustomCameraSelectorModel", "CameraModel"}) {
             const int id = qmlTypeId("kivcamui", 1, 0, name);
             QVERIFY2(id > previous, name);
             previous = id;
@@ -90,7 +93,8 @@ private slots:
     void creatableTypesCanBeCreated()
     {
         QQmlEngine engine;
-        for (const char* type : {"StandaloneModel", "CameraFinderModel"}) {
+        for (const char* type : {"StandaloneModel", "CameraFinderModel", "DeviceFinderModel",
+                 "CustomCameraSelectorModel"}) {
             QCOMPARE(
                 qmlErrors(engine, QByteArray("import kivcamui 1.0\n") + type + " {}"), QString());
         }

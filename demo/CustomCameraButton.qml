@@ -1,0 +1,59 @@
+import QtQuick
+import QtQuick.Controls
+
+// A button that opens the library's custom camera dialog over the whole window and connects
+// the camera assembled in it through the host's StandaloneModel.
+Button {
+    id: button
+
+    // The host's StandaloneModel.
+    property var standalone: null
+    // The dialog, made once and kept, so that its choices survive closing it.
+    property var dialog: null
+
+    // After openExample(), once the example is chosen.
+    signal exampleShown()
+
+    text: "Custom camera..."
+    onClicked: dialog.open()
+
+    // Opens the dialog and, once its search has ended, chooses a Kelvin 640 on the first device
+    // entered by hand that it can use.
+    function openExample() {
+        dialog.cameraSelector.scanningChanged.connect(chooseExample)
+        dialog.open()
+    }
+    function chooseExample() {
+        const selector = dialog.cameraSelector
+        if (selector.scanning)
+            return
+        selector.scanningChanged.disconnect(chooseExample)
+        for (let i = 0; i < selector.cameras.size; ++i) {
+            if (selector.cameras.at(i).name === "Kelvin640")
+                selector.selectedCameraIndex = i
+        }
+        for (let i = 0; selector.selectedCamera && i < selector.devices.size; ++i) {
+            const device = selector.devices.at(i)
+            if (!device.isFound && selector.selectedCamera.isSupportedBaseDeviceType(device.baseType)) {
+                selector.selectedDeviceIndex = i
+                break
+            }
+        }
+        exampleShown()
+    }
+
+    Component.onCompleted: {
+        const component = Qt.createComponent("qrc:/kivcamui/dialogs/CustomCameraSelectorDialog.qml")
+        if (component.status !== Component.Ready) {
+            console.warn(component.errorString())
+            return
+        }
+        dialog = component.createObject(Overlay.overlay)
+        dialog.cameraSelector.enableEmulators = true
+        dialog.accepted.connect(() => {
+            const camera = dialog.cameraSelector.cameraInfo
+            if (camera && standalone)
+                standalone.connect(camera)
+        })
+    }
+}

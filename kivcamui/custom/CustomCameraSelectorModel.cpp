@@ -1,0 +1,332 @@
+#include "CustomCameraSelectorModel.h"
+
+#include <kivcam/CCameras.h>
+#include <kivcam/CInterfaces.h>
+#include <kivcamui/plugin/Conversions.h>
+
+#include <QJSEngine>
+#include <QSet>
+
+namespace kiv::cam::ui {
+
+namespace {
+
+DeviceInfo* deviceAt(const ObjectListModel& list, int index)
+{
+    return qobject_cast<DeviceInfo*>(list.at(index));
+}
+
+bool isPlaceholder(const DeviceInfo* device)
+{
+    return device && !device->isFound();
+}
+
+} // namespace
+
+CustomCameraSelectorModel::CustomCameraSelectorModel(QObject* parent) : QObject(parent)
+{
+    for (ObjectListModel* list : {&m_cameras, &m_commDevices, &m_videoDevices, &m_devices})
+        QJSEngine::setObjectOwnership(list, QJSEngine::CppOwnership);
+    CCameras* catalogue = kiv::cam::cameras();
+    for (int i = 0; i < catalogue->cameraCount(); ++i)
+        m_cameras.push_back(new CameraModel(catalogue->cameraAt(i), nullptr));
+    m_cameras.push_back(new CameraModel(TSharedPtr<ICamera>(), nullptr));
+    connect(&m_watcher, &QFutureWatcher<DeviceSearch::Result>::finished, this,
+        &CustomCameraSelectorModel::doneScanning);
+    // Any content turns emulators on, "0" included: only the variable's presence counts.
+    if (!qEnvironmentVariableIsEmpty("KIVCAM_ENABLE_EMULATORS"))
+        m_search.setEnableEmulators(true);
+}
+
+CustomCameraSelectorModel::~CustomCameraSelectorModel()
+{
+    delete m_cameraInfo;
+}
+
+void CustomCameraSelectorModel::setEnableEmulators(bool enable)
+{
+    if (enable == m_search.enableEmulators())
+        return;
+    m_search.setEnableEmulators(enable);
+    emit enableEmulatorsChanged();
+}
+
+CameraModel* CustomCameraSelectorModel::selectedCamera() const
+{
+    return qobject_cast<CameraModel*>(m_cameras.at(m_selectedCameraIndex));
+}
+
+DeviceInfo* CustomCameraSelectorModel::selectedDevice() const
+{
+    return deviceAt(m_devices, m_selectedDeviceIndex);
+}
+
+DeviceInfo* CustomCameraSelectorModel::selectedCommDevice() const
+{
+    return deviceAt(m_commDevices, m_selectedCommDeviceIndex);
+}
+
+DeviceInfo* CustomCameraSelectorModel::selectedVideoDevice() const
+{
+    return deviceAt(m_videoDevices, m_selectedVideoDeviceIndex);
+}
+
+void CustomCameraSelectorModel::scan()
+{
+    if (m_scanning)
+        return;
+    m_selectedDeviceIndex = -1;
+    m_selectedCommDeviceIndex = -1;
+    m_selectedVideoDeviceIndex = -1;
+    emit selectedDeviceChanged();
+    emit selectedCommDeviceChanged();
+    emit selectedVideoDeviceChanged();
+    if (m_cameraInfo) {
+        SCameraInfo record = m_cameraInfo->info();
+        record.comm = SDeviceInfo();
+        record.video = SDeviceInfo();
+        CreateCameraInfo(record);
+    }
+
+    // The objects of devices go with that list; those that stood only in commDevices or
+    // videoDevices are deleted once the views have seen the lists emptied.
+    QSet<QObject*> shared;
+    for (int i = 0; i < m_devices.size(); ++i)
+        shared.insert(m_devices.at(i));
+    QList<QObject*> retired;
+    for (const ObjectListModel* list : {&m_commDevices, &m_videoDevices}) {
+        for (int i = 0; i < list->size(); ++i) {
+            if (!shared.contains(list->at(i)))
+                retired.append(list->at(i));
+        }
+    }
+    m_commDevices.detachAll();
+    m_videoDevices.detachAll();
+    m_devices.removeAll();
+    for (QObject* device : std::as_const(retired))
+        device->deleteLater();
+
+    m_scanning = true;
+    emit scanningChanged();
+    m_watcher.setFuture(m_search.Start({}));
+}
+
+void CustomCameraSelectorModel::doneScanning()
+{
+    const QList<DeviceInfo*> found = m_search.List(
+        DeviceSearch::Found(m_watcher.future()), [](const IInterface&) { return true; }, this);
+    CInterfaces* catalogue = kiv::cam::interfaces();
+    for (DeviceInfo* device : found) {
+        const TSharedPtr<IInterface> transport
+            = catalogue->interfaceByName(device->info().interfaceName);
+        if (!transport || (!transport->comm && !transport->video)) {
+            delete device; // no list would show it
+            continue;
+        }
+        if (transport->comm)
+            m_commDevices.push_back(device);
+        if (transport->video)
+            m_videoDevices.push_back(device);
+        if (transport->comm && transport->video)
+            m_devices.push_back(device);
+    }
+    if (m_scanning) {
+        m_scanning = false;
+        emit scanningChanged();
+    }
+    if (!m_scanned) {
+        m_scanned = true;
+        emit scannedChanged();
+    }
+}
+
+void CustomCameraSelectorModel::setSelectedCameraIndex(int index)
+{
+    if (index == m_selectedCameraIndex || index < 0 || index >= m_cameras.size())
+        return;
+    m_selectedCameraIndex = index;
+    const SCameraInfo old = m_cameraInfo ? m_cameraInfo->info() : SCameraInfo();
+    SCameraInfo record;
+
+    // Looked up by name, so that a catalogue type named "Custom" would serve the custom entry.
+    const TSharedPtr<ICamera> type = kiv::cam::cameras()->cameraByName(
+        toCString(static_cast<CameraModel*>(m_cameras.at(index))->name()));
+    if (type)
+        record = type->defaultInfo;
+    if (m_useSameDevice) {
+        record.video = old.comm;
+        record.comm = record.video;
+    } else {
+        record.comm = old.comm;
+        record.video = old.video;
+    }
+
+    if (!type) {
+        record.controller = "Generic";
+    } else if (m_useSameDevice) {
+        if (!type->IsSupportedBaseDeviceType(record.comm.interfaceName)) {
+            record.video = SDeviceInfo();
+            record.comm = SDeviceInfo();
+            ChangeIndex(
+                m_selectedDeviceIndex, -1, &CustomCameraSelectorModel::selectedDeviceChanged);
+        }
+    } else {
+        if (!type->IsSupportedBaseDeviceType(record.comm.interfaceName)) {
+            record.comm = SDeviceInfo();
+            ChangeIndex(m_selectedCommDeviceIndex, -1,
+                &CustomCameraSelectorModel::selectedCommDeviceChanged);
+        }
+        if (!type->IsSupportedBaseDeviceType(record.video.interfaceName)) {
+            record.video = SDeviceInfo();
+            ChangeIndex(m_selectedVideoDeviceIndex, -1,
+                &CustomCameraSelectorModel::selectedVideoDeviceChanged);
+        }
+    }
+
+    CreateCameraInfo(record);
+    emit selectedCameraChanged();
+}
+
+void CustomCameraSelectorModel::setSelectedDeviceIndex(int index)
+{
+    if (SelectDevice(m_devices, m_selectedDeviceIndex, index, m_useSameDevice,
+            [](SCameraInfo& record, const SDeviceInfo& device) {
+                record.video = device;
+                record.comm = record.video;
+            }))
+        emit selectedDeviceChanged();
+}
+
+void CustomCameraSelectorModel::setSelectedCommDeviceIndex(int index)
+{
+    if (SelectDevice(m_commDevices, m_selectedCommDeviceIndex, index, !m_useSameDevice,
+            [](SCameraInfo& record, const SDeviceInfo& device) { record.comm = device; }))
+        emit selectedCommDeviceChanged();
+}
+
+void CustomCameraSelectorModel::setSelectedVideoDeviceIndex(int index)
+{
+    if (SelectDevice(m_videoDevices, m_selectedVideoDeviceIndex, index, !m_useSameDevice,
+            [](SCameraInfo& record, const SDeviceInfo& device) { record.video = device; }))
+        emit selectedVideoDeviceChanged();
+}
+
+bool CustomCameraSelectorModel::SelectDevice(
+    const ObjectListModel& list, int& stored, int index, bool inMode, DeviceWriter write)
+{
+    if (index == stored || index < -1 || index >= list.size())
+        return false;
+    stored = index;
+    if (inMode) {
+        // A description comes into being even before a camera type is chosen.
+        SCameraInfo record = m_cameraInfo ? m_cameraInfo->info() : SCameraInfo();
+        const DeviceInfo* device = deviceAt(list, index);
+        write(record, device ? device->info() : SDeviceInfo());
+        CreateCameraInfo(record);
+    }
+    return true;
+}
+
+void CustomCameraSelectorModel::setUseSameDevice(bool same)
+{
+    if (same == m_useSameDevice)
+        return;
+    m_useSameDevice = same;
+    if (m_cameraInfo) {
+        SCameraInfo record = m_cameraInfo->info();
+        if (same) {
+            const int comm = GetDeviceIndex(record.comm.interfaceName, record.comm.deviceName);
+            const int video = GetDeviceIndex(record.video.interfaceName, record.video.deviceName);
+            int selected = comm;
+            if (comm != -1) {
+                record.video = record.comm;
+            } else if (video == -1) {
+                record.comm = SDeviceInfo();
+                record.video = SDeviceInfo();
+            } else {
+                record.comm = record.video;
+                selected = video;
+            }
+            ChangeIndex(
+                m_selectedDeviceIndex, selected, &CustomCameraSelectorModel::selectedDeviceChanged);
+        } else {
+            ChangeIndex(m_selectedCommDeviceIndex,
+                GetCommDeviceIndex(record.comm.interfaceName, record.comm.deviceName),
+                &CustomCameraSelectorModel::selectedCommDeviceChanged);
+            ChangeIndex(m_selectedVideoDeviceIndex,
+                GetVideoDeviceIndex(record.video.interfaceName, record.video.deviceName),
+                &CustomCameraSelectorModel::selectedVideoDeviceChanged);
+        }
+        CreateCameraInfo(record);
+    }
+    emit useSameDeviceChanged();
+}
+
+void CustomCameraSelectorModel::ChangeIndex(
+    int& stored, int index, void (CustomCameraSelectorModel::*changed)())
+{
+    if (index == stored)
+        return;
+    stored = index;
+    emit(this->*changed)();
+}
+
+void CustomCameraSelectorModel::CreateCameraInfo(const SCameraInfo& record)
+{
+    // A replaced description waits for the event loop as a child, so that it still goes with
+    // the model when no loop turns any more.
+    if (m_cameraInfo) {
+        m_cameraInfo->setParent(this);
+        m_cameraInfo->deleteLater();
+    }
+    m_cameraInfo = new CameraInfo(record, nullptr);
+    QJSEngine::setObjectOwnership(m_cameraInfo, QJSEngine::CppOwnership);
+
+    // The description's devices get the level of a chosen placeholder, which lets the user
+    // write the parameters that a device filled in by hand needs.
+    const auto level = DeviceParameter::EDIT_CUSTOM_SELECT;
+    if (m_useSameDevice) {
+        if (isPlaceholder(selectedDevice())) {
+            m_cameraInfo->comm()->setEditLevel(level);
+            m_cameraInfo->video()->setEditLevel(level);
+        }
+    } else {
+        if (isPlaceholder(selectedCommDevice()))
+            m_cameraInfo->comm()->setEditLevel(level);
+        if (isPlaceholder(selectedVideoDevice()))
+            m_cameraInfo->video()->setEditLevel(level);
+    }
+    emit cameraInfoChanged();
+}
+
+int CustomCameraSelectorModel::GetDeviceIndex(
+    const CString& interfaceName, const CString& deviceName) const
+{
+    return IndexOf(m_devices, interfaceName, deviceName);
+}
+
+int CustomCameraSelectorModel::GetCommDeviceIndex(
+    const CString& interfaceName, const CString& deviceName) const
+{
+    return IndexOf(m_commDevices, interfaceName, deviceName);
+}
+
+int CustomCameraSelectorModel::GetVideoDeviceIndex(
+    const CString& interfaceName, const CString& deviceName) const
+{
+    return IndexOf(m_videoDevices, interfaceName, deviceName);
+}
+
+int CustomCameraSelectorModel::IndexOf(
+    const ObjectListModel& list, const CString& interfaceName, const CString& deviceName)
+{
+    for (int i = 0; i < list.size(); ++i) {
+        const SDeviceInfo& record = deviceAt(list, i)->info();
+        if (record.interfaceName.compare(interfaceName) == 0
+            && record.deviceName.compare(deviceName) == 0)
+            return i;
+    }
+    return -1;
+}
+
+} // namespace kiv::cam::ui

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <kivcamui/device/DeviceInfo.h>
+#include <kivui/ObjectListModel.h>
+
+#include <QStringList>
+
+// A device list as "transport/device" lines; a placeholder's device reads "Custom".
+inline QStringList deviceRows(const ObjectListModel& list)
+{
+    QStringList rows;
+    for (int i = 0; i < list.size(); ++i) {
+        const auto* device = qobject_cast<const DeviceInfo*>(list.at(i));
+        rows << (device ? device->interfaceName() + "/" + device->deviceName() : "not a device");
+    }
+    return rows;
+}

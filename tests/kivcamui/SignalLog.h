@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QMetaMethod>
+#include <QObject>
+#include <QStringList>
+
+#include <utility>
+
+// Every signal that an object's own class declares, by name, in the order they come.
+class SignalLog : public QObject {
+    Q_OBJECT
+
+public:
+    explicit SignalLog(QObject* object)
+    {
+        const QMetaObject* meta = object->metaObject();
+        const QMetaMethod record = metaObject()->method(metaObject()->indexOfSlot("record()"));
+        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
+            if (meta->method(i).methodType() == QMetaMethod::Signal)
+                connect(object, meta->method(i), this, record);
+        }
+    }
+
+    // What came since the last take.
+    QStringList take() { return std::exchange(m_names, {}); }
+
+private slots:
+    void record()
+    {
+        m_names << QString::fromLatin1(sender()->metaObject()->method(senderSignalIndex()).name());
+    }
+
+private:
+    QStringList m_names;
+};
