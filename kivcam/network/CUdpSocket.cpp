@@ -16,9 +16,9 @@ namespace kiv::cam {
 
 namespace {
 
-CString systemError(const char* what)
+CString systemError(const CString& what, int error)
 {
-    return strprintf("%s: %s", what, std::strerror(errno));
+    return what + ": " + std::strerror(error);
 }
 
 } // namespace
@@ -34,7 +34,7 @@ bool CUdpSocket::Open(const SNetworkAdapter& adapter, CString& error)
     m_socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     m_wake = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     if (m_socket < 0 || m_wake < 0) {
-        error = systemError("Cannot make a UDP socket");
+        error = systemError("Cannot make a UDP socket", errno);
         Close();
         return false;
     }
@@ -47,10 +47,18 @@ bool CUdpSocket::Open(const SNetworkAdapter& adapter, CString& error)
     local.sin_family = AF_INET;
     if (::setsockopt(m_socket, SOL_SOCKET, SO_BINDTODEVICE, adapter.name.data(),
             static_cast<socklen_t>(adapter.name.length()))
-        != 0)
-        local.sin_addr.s_addr = htonl(adapter.addresses.empty() ? 0 : adapter.addresses[0].address);
+        != 0) {
+        const int failure = errno;
+        if ((failure != EPERM && failure != EACCES) || adapter.addresses.empty()) {
+            error = systemError(
+                strprintf("Cannot use the adapter \"%s\"", adapter.name.data()), failure);
+            Close();
+            return false;
+        }
+        local.sin_addr.s_addr = htonl(adapter.addresses[0].address);
+    }
     if (::bind(m_socket, reinterpret_cast<const sockaddr*>(&local), sizeof local) != 0) {
-        error = systemError("Cannot bind a UDP socket to the adapter");
+        error = systemError("Cannot bind a UDP socket to the adapter", errno);
         Close();
         return false;
     }
