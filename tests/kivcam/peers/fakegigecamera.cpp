@@ -45,13 +45,16 @@ void writeText(ArvFakeCamera* camera, guint32 address, const std::string& text, 
 int main(int argc, char** argv)
 {
     long heartbeat = 0;
-    std::vector<ArvGvFakeCamera*> cameras;
+    std::vector<const char*> specs;
     for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--heartbeat") == 0 && i + 1 < argc) {
+        if (std::strcmp(argv[i], "--heartbeat") == 0 && i + 1 < argc)
             heartbeat = std::strtol(argv[++i], nullptr, 10);
-            continue;
-        }
-        const std::vector<std::string> spec = split(argv[i]);
+        else
+            specs.push_back(argv[i]);
+    }
+    std::vector<ArvGvFakeCamera*> cameras;
+    for (const char* argument : specs) {
+        const std::vector<std::string> spec = split(argument);
         ArvGvFakeCamera* camera
             = arv_gv_fake_camera_new(spec[0].c_str(), spec.size() > 1 ? spec[1].c_str() : nullptr);
         if (!arv_gv_fake_camera_is_running(camera)) {
