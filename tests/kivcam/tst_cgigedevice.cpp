@@ -122,12 +122,12 @@ private slots:
 
     void theHeartbeatKeepsControl()
     {
-        // The camera gives control up after 300 ms without a sign of life.
-        const auto cameras = startCameras({"127.0.0.2,GV-B,0200000000b2"}, 300);
+        // The camera gives control up after 600 ms without a sign of life.
+        const auto cameras = startCameras({"127.0.0.2,GV-B,0200000000b2"}, 600);
         QVERIFY(cameras);
         CGigEDevice device;
         QVERIFY(device.open(record("127.0.0.2"), false));
-        std::this_thread::sleep_for(std::chrono::milliseconds(1200));
+        std::this_thread::sleep_for(std::chrono::milliseconds(2000));
         QVERIFY(device.hasControl());
         // A stranger still finds the camera held (a camera that had timed out would let it in).
         CPeer stranger;
@@ -136,7 +136,7 @@ private slots:
 
     void aCameraThatGoesAwayLosesControl()
     {
-        auto cameras = startCameras({"127.0.0.2,GV-B,0200000000b2"}, 300);
+        auto cameras = startCameras({"127.0.0.2,GV-B,0200000000b2"}, 600);
         QVERIFY(cameras);
         CGigEDevice device;
         QVERIFY(device.open(record("127.0.0.2"), false));
