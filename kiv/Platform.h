@@ -9,7 +9,8 @@
 
 // The thin layer over the operating system: dynamic loading of libraries by full path, the file
 // of a loaded module, careful file reading, durable renames, and debug output. Everything
-// platform-specific in the project is here.
+// platform-specific in the project is here, but for the real transports' UDP socket
+// (kivcam/network/CUdpSocket) and serial port opening (kivcam/serial/CSerialDevice).
 namespace kiv::platform {
 
 // Loads a library by its full path and resolves all its symbols at once; null on failure.

@@ -1,5 +1,7 @@
 #include "CBackend.h"
 
+#include <QtGlobal>
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -11,6 +13,7 @@ namespace {
 struct SRegistration {
     std::string name;
     CBackendRegistration::Create create;
+    bool real = false;
 };
 
 std::vector<SRegistration>& registrations()
@@ -21,9 +24,9 @@ std::vector<SRegistration>& registrations()
 
 } // namespace
 
-CBackendRegistration::CBackendRegistration(const char* name, Create create)
+CBackendRegistration::CBackendRegistration(const char* name, Create create, bool real)
 {
-    registrations().push_back({name, create});
+    registrations().push_back({name, create, real});
 }
 
 CBackend::~CBackend() = default;
@@ -51,9 +54,12 @@ const TArray<TSharedPtr<CBackend>>& CBackend::all()
         std::vector<SRegistration> sorted = registrations();
         std::sort(sorted.begin(), sorted.end(),
             [](const SRegistration& a, const SRegistration& b) { return a.name < b.name; });
+        const bool real = qEnvironmentVariableIsEmpty("KIVCAM_DISABLE_REAL_TRANSPORTS");
         TArray<TSharedPtr<CBackend>> created;
-        for (const SRegistration& registration : sorted)
-            created.add(TSharedPtr<CBackend>(registration.create()));
+        for (const SRegistration& registration : sorted) {
+            if (real || !registration.real)
+                created.add(TSharedPtr<CBackend>(registration.create()));
+        }
         return created;
     }();
     return backends;

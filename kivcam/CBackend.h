@@ -12,8 +12,13 @@ namespace kiv::cam {
 
 // A source of transports, camera types and controllers: the emulator, or the driver of a real
 // transport. A backend registers itself from its own source file with KIVCAM_REGISTER_BACKEND,
-// so adding one needs no edit of the catalogues. The catalogues create every registered backend
-// once, on first use, and ask them in the order of their registered names.
+// or KIVCAM_REGISTER_REAL_BACKEND when it reaches the machine's own hardware, so adding one needs
+// no edit of the catalogues. The catalogues create every registered backend once, on first use,
+// and ask them in the order of their registered names.
+//
+// Real backends are left out when the environment variable KIVCAM_DISABLE_REAL_TRANSPORTS is set
+// and not empty when the backends are first created, so that a test sees the same world on every
+// machine.
 class KIVCAM_EXPORT CBackend {
 public:
     virtual ~CBackend();
@@ -32,7 +37,7 @@ public:
 class KIVCAM_EXPORT CBackendRegistration {
 public:
     using Create = CBackend* (*)();
-    CBackendRegistration(const char* name, Create create);
+    CBackendRegistration(const char* name, Create create, bool real = false);
 };
 
 } // namespace kiv::cam
@@ -40,3 +45,6 @@ public:
 #define KIVCAM_REGISTER_BACKEND(Class)                                                             \
     static const kiv::cam::CBackendRegistration registration##Class(                               \
         #Class, []() -> kiv::cam::CBackend* { return new Class; })
+#define KIVCAM_REGISTER_REAL_BACKEND(Class)                                                        \
+    static const kiv::cam::CBackendRegistration registration##Class(                               \
+        #Class, []() -> kiv::cam::CBackend* { return new Class; }, true)

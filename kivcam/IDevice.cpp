@@ -4,4 +4,9 @@ namespace kiv::cam {
 
 IDevice::~IDevice() = default;
 
+CString IDevice::errorMessage() const
+{
+    return {};
+}
+
 } // namespace kiv::cam

@@ -17,6 +17,8 @@ public:
     virtual bool isOpen() const = 0;
     // The record the device was opened with.
     virtual const SDeviceInfo& info() const = 0;
+    // Why the last open failed, in full, for people; empty when it succeeded or says nothing.
+    virtual CString errorMessage() const;
 };
 
 } // namespace kiv::cam

@@ -416,10 +416,7 @@ private slots:
         QVERIFY(reloaded.Load(widePath(path)));
         QCOMPARE(bytes(reloaded.identity), QByteArray("old"));
     }
-    void notARegularFileIsRefusedAtOnce_data()
-    {
-        hostile::addPathRows(m_folder);
-    }
+    void notARegularFileIsRefusedAtOnce_data() { hostile::addPathRows(m_folder); }
     void notARegularFileIsRefusedAtOnce()
     {
         // A FIFO used to block in open() for ever, and /dev/zero to be read until memory ran out.

@@ -1,5 +1,9 @@
-// Prints what the camera library sees, emulated transports included, as plain text:
+// Prints what the camera library sees as plain text: the machine's serial ports and network
+// adapters, GigE Vision cameras on the adapters KIVCAM_GIGE_INTERFACES allows, and the emulated
+// transports unless --no-emulators is given:
 //   kivcam-list
+//   kivcam-list --no-emulators
+//   KIVCAM_GIGE_INTERFACES=eth1 kivcam-list
 //   KIVCAM_EMULATOR_WORLD=my-world.xml kivcam-list
 
 #include <kiv/CString.h>
@@ -8,8 +12,10 @@
 #include <kivcam/CCameras.h>
 #include <kivcam/CControllerFactory.h>
 #include <kivcam/CInterfaces.h>
+#include <kivcam/gige/CGigEConfig.h>
 
 #include <cstdio>
+#include <cstring>
 
 using namespace kiv;
 using namespace kiv::cam;
@@ -131,20 +137,26 @@ void printCameras()
 
 } // namespace
 
-int main(int argc, char**)
+int main(int argc, char** argv)
 {
-    if (argc > 1) {
+    const bool emulators = argc == 1;
+    if (argc > 2 || (argc == 2 && std::strcmp(argv[1], "--no-emulators") != 0)) {
         std::fprintf(stderr,
-            "usage: kivcam-list\n"
+            "usage: kivcam-list [--no-emulators]\n"
+            "Set KIVCAM_GIGE_INTERFACES to the network adapters GigE Vision discovery may use\n"
+            "(\"eth1,eth2\", or \"*\" for all); it broadcasts on them.\n"
             "Set KIVCAM_EMULATOR_WORLD to list another emulator world.\n");
         return 2;
     }
-    interfaces()->setEnableEmulators(true);
-    CCameraFinder::setEnableEmulators(true);
+    interfaces()->setEnableEmulators(emulators);
+    CCameraFinder::setEnableEmulators(emulators);
     printCameraTypes();
     printControllers();
     printInterfaces();
     printDevices();
     printCameras();
+    if (!CGigEConfig::Enabled())
+        std::printf("\nGigE Vision discovery is off: set KIVCAM_GIGE_INTERFACES to the network "
+                    "adapters it may use.\n");
     return 0;
 }

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <kiv/CString.h>
+#include <kivcam/kivcam_export.h>
+#include <kivcam/network/CUdpSocket.h>
+#include <kivcam/network/SNetworkAdapter.h>
+
+#include <chrono>
+#include <cstdint>
+#include <mutex>
+#include <stop_token>
+#include <vector>
+
+namespace kiv::cam {
+
+// The control channel to one GigE Vision camera: register and memory reads and writes, each a
+// command that waits for the camera's answer. Safe to use from several threads; their commands
+// take turns.
+class KIVCAM_EXPORT CGvcpChannel {
+public:
+    enum EResult {
+        OK, // answered with success
+        REFUSED, // answered with an error status
+        NO_ANSWER, // no answer after every attempt
+        STOPPED,
+        FAILED, // the channel is closed or the system refused to send
+    };
+
+    // How long one attempt waits for its answer, and how many attempts a command makes.
+    static constexpr std::chrono::milliseconds AnswerWait{200};
+    static constexpr int Attempts = 3;
+
+    // Opens the channel to the camera at address through the adapter.
+    bool Open(const SNetworkAdapter& adapter, std::uint32_t address, CString& error);
+    void Close();
+    std::uint32_t address() const { return m_address; }
+
+    // Each gives OK and its result, or what went wrong; status is the camera's answer status
+    // (0 without an answer).
+    EResult ReadRegister(std::uint32_t address, std::uint32_t& value, std::uint16_t& status,
+        const std::stop_token& stop = {});
+    EResult WriteRegister(std::uint32_t address, std::uint32_t value, std::uint16_t& status,
+        const std::stop_token& stop = {});
+    // Reads size bytes (a multiple of 4, at most gvcp::MaxReadMemory).
+    EResult ReadMemory(std::uint32_t address, std::uint16_t size, std::vector<std::uint8_t>& data,
+        std::uint16_t& status, const std::stop_token& stop = {});
+
+private:
+    EResult Transact(std::vector<std::uint8_t> command, std::uint16_t ackCommand,
+        std::vector<std::uint8_t>& payload, std::uint16_t& status, const std::stop_token& stop);
+
+    std::mutex m_mutex;
+    CUdpSocket m_socket;
+    std::uint32_t m_address = 0;
+    std::uint16_t m_nextId = 1;
+};
+
+} // namespace kiv::cam

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <kivcam/CBackend.h>
+
+namespace kiv::cam {
+
+// The machine's serial ports.
+class CSerialBackend : public CBackend {
+public:
+    void interfaces(TArray<TSharedPtr<IInterface>>& out) override;
+};
+
+} // namespace kiv::cam

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <kiv/CString.h>
+#include <kivcam/IDevice.h>
+#include <kivcam/kivcam_export.h>
+
+#include <chrono>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+namespace kiv::cam {
+
+// An open serial port: raw 8N1 at the record's baud rate. The port is the record's "Control"
+// path, or "/dev/" and the device name when that is empty.
+//
+// Opened for exclusive use, the port is locked (flock) and set exclusive (TIOCEXCL), so that
+// neither another program nor another device of this one opens it meanwhile. When it cannot be
+// opened errorMessage() says why: missing, busy, or permission denied with the group to join.
+class KIVCAM_EXPORT CSerialDevice : public IDevice {
+public:
+    CSerialDevice() = default;
+    ~CSerialDevice() override;
+
+    bool open(SDeviceInfo info, bool exclusive) override;
+    void close() override;
+    bool isOpen() const override;
+    const SDeviceInfo& info() const override;
+    CString errorMessage() const override;
+
+    // Writes all of bytes within wait; false when the port is not open or does not take them.
+    bool Write(std::string_view bytes, std::chrono::milliseconds wait);
+    // The bytes that arrive within wait, as soon as some have; empty when none do.
+    std::string Read(std::chrono::milliseconds wait);
+
+private:
+    bool Open(const SDeviceInfo& info, bool exclusive);
+
+    mutable std::mutex m_mutex;
+    SDeviceInfo m_info;
+    CString m_error;
+    int m_port = -1;
+};
+
+} // namespace kiv::cam

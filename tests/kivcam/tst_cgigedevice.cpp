@@ -1,0 +1,199 @@
+#include "GigETest.h"
+
+#include <kivcam/gige/CGigEDevice.h>
+#include <kivcam/gige/CGvcpChannel.h>
+#include <kivcam/gige/Gvcp.h>
+#include <kivcam/network/CNetworkAdapters.h>
+
+#include <QtTest>
+
+#include <thread>
+
+using namespace gigetest;
+
+namespace {
+
+SDeviceInfo record(const char* address, const char* adapter = "lo")
+{
+    SDeviceInfo device;
+    device.interfaceName = "GigE";
+    device.parameters.Add(CParameters::CEntry(
+        "Address", "IP address", "", CParameters::EDIT_ALWAYS, CVariant(address)));
+    device.parameters.Add(
+        CParameters::CEntry("Adapter", "Adapter", "", CParameters::EDIT_ALWAYS, CVariant(adapter)));
+    return device;
+}
+
+// The camera's control channel privilege register, read as a stranger would.
+std::uint32_t privilege(const char* address)
+{
+    SNetworkAdapter lo;
+    CNetworkAdapters::Find("lo", lo);
+    std::uint32_t camera = 0;
+    CNetworkAdapters::ParseAddress(address, camera);
+    CGvcpChannel channel;
+    CString error;
+    std::uint32_t value = 0xDEAD;
+    std::uint16_t status = 0;
+    if (!channel.Open(lo, camera, error)
+        || channel.ReadRegister(gvcp::REG_CONTROL_CHANNEL_PRIVILEGE, value, status)
+            != CGvcpChannel::OK)
+        return 0xDEAD;
+    return value;
+}
+
+} // namespace
+
+class tst_CGigEDevice : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        NETNS_REQUIRE();
+        QVERIFY(netns::ip({"link", "set", "lo", "up"}));
+        QVERIFY(netns::ip({"addr", "add", "127.0.0.2/8", "dev", "lo"}));
+    }
+    void init() { qputenv("KIVCAM_GIGE_INTERFACES", "lo"); }
+
+    void openTakesControlAndCloseGivesItBack()
+    {
+        const auto cameras = startCameras({"127.0.0.2,GV-B,0200000000b2"});
+        QVERIFY(cameras);
+        QCOMPARE(privilege("127.0.0.2"), 0u);
+        CGigEDevice device;
+        QVERIFY2(device.open(record("127.0.0.2"), false), device.errorMessage().c_str());
+        QVERIFY(device.isOpen());
+        QVERIFY(device.hasControl());
+        QVERIFY(device.errorMessage().empty());
+        QCOMPARE(parameter(device.info(), "Address"), QByteArray("127.0.0.2"));
+        QCOMPARE(privilege("127.0.0.2"), std::uint32_t{gvcp::PRIVILEGE_CONTROL});
+        QVERIFY(CGigEDevice::ControlledHere(0x7F000002));
+        device.close();
+        QVERIFY(!device.isOpen());
+        QCOMPARE(privilege("127.0.0.2"), 0u);
+        QVERIFY(!CGigEDevice::ControlledHere(0x7F000002));
+    }
+
+    void exclusiveUseAsksForExclusiveControl()
+    {
+        const auto cameras = startCameras({"127.0.0.2,GV-B,0200000000b2"});
+        QVERIFY(cameras);
+        CGigEDevice device;
+        QVERIFY2(device.open(record("127.0.0.2"), true), device.errorMessage().c_str());
+        QCOMPARE(privilege("127.0.0.2"), std::uint32_t{gvcp::PRIVILEGE_EXCLUSIVE});
+    }
+
+    void aSecondOpenerIsRefusedUntilTheFirstCloses()
+    {
+        const auto cameras = startCameras({"127.0.0.2,GV-B,0200000000b2"});
+        QVERIFY(cameras);
+        CGigEDevice first;
+        QVERIFY(first.open(record("127.0.0.2"), true));
+        CGigEDevice second;
+        QVERIFY(!second.open(record("127.0.0.2"), true));
+        QVERIFY2(str(second.errorMessage())
+                     .contains("This program controls the camera at "
+                               "127.0.0.2 already"),
+            second.errorMessage().c_str());
+        QVERIFY(!first.open(record("127.0.0.2"), true));
+        QVERIFY2(str(first.errorMessage()).contains("open already"), first.errorMessage().c_str());
+        QVERIFY(first.isOpen());
+        first.close();
+        QVERIFY2(second.open(record("127.0.0.2"), true), second.errorMessage().c_str());
+    }
+
+    void anotherProgramsControlIsRespected()
+    {
+        const auto cameras = startCameras({"127.0.0.2,GV-B,0200000000b2"});
+        QVERIFY(cameras);
+        CPeer holder;
+        QVERIFY(holder.Start(QStringLiteral("gige-holder"), {"127.0.0.2", "lo"}, "held"));
+        CGigEDevice device;
+        QVERIFY(!device.open(record("127.0.0.2"), true));
+        QVERIFY2(str(device.errorMessage()).contains("controlled by another host or program"),
+            device.errorMessage().c_str());
+        holder.Stop();
+        QVERIFY2(device.open(record("127.0.0.2"), true), device.errorMessage().c_str());
+        // And this program's control is respected by the other.
+        CPeer refused;
+        QVERIFY(refused.Start(QStringLiteral("gige-holder"), {"127.0.0.2", "lo"}, "refused"));
+    }
+
+    void theHeartbeatKeepsControl()
+    {
+        // The camera gives control up after 600 ms without a sign of life.
+        const auto cameras = startCameras({"127.0.0.2,GV-B,0200000000b2"}, 600);
+        QVERIFY(cameras);
+        CGigEDevice device;
+        QVERIFY(device.open(record("127.0.0.2"), false));
+        std::this_thread::sleep_for(std::chrono::milliseconds(2000));
+        QVERIFY(device.hasControl());
+        // A stranger still finds the camera held (a camera that had timed out would let it in).
+        CPeer stranger;
+        QVERIFY(stranger.Start(QStringLiteral("gige-holder"), {"127.0.0.2", "lo"}, "refused"));
+    }
+
+    void aCameraThatGoesAwayLosesControl()
+    {
+        auto cameras = startCameras({"127.0.0.2,GV-B,0200000000b2"}, 600);
+        QVERIFY(cameras);
+        CGigEDevice device;
+        QVERIFY(device.open(record("127.0.0.2"), false));
+        cameras.reset();
+        QTRY_VERIFY_WITH_TIMEOUT(!device.hasControl(), 5000);
+        QVERIFY(device.isOpen());
+        device.close();
+    }
+
+    void refusalsSayWhy_data()
+    {
+        QTest::addColumn<QByteArray>("allowed");
+        QTest::addColumn<QByteArray>("address");
+        QTest::addColumn<QByteArray>("adapter");
+        QTest::addColumn<QByteArray>("reason");
+        QTest::newRow("off") << QByteArray() << QByteArray("127.0.0.2") << QByteArray("lo")
+                             << QByteArray("Set the environment variable KIVCAM_GIGE_INTERFACES");
+        QTest::newRow("adapter not allowed")
+            << QByteArray("eth7") << QByteArray("127.0.0.2") << QByteArray("lo")
+            << QByteArray("The adapter \"lo\" is not among those GigE Vision may use (eth7)");
+        QTest::newRow("adapter missing")
+            << QByteArray("*") << QByteArray("127.0.0.2") << QByteArray("eth7")
+            << QByteArray("\"eth7\" is not there");
+        QTest::newRow("not an address") << QByteArray("lo") << QByteArray("camera-1")
+                                        << QByteArray("lo") << QByteArray("\"camera-1\" is not");
+        QTest::newRow("another subnet")
+            << QByteArray("lo") << QByteArray("10.0.0.5") << QByteArray("lo")
+            << QByteArray("is not in the subnet of the adapter \"lo\"");
+        QTest::newRow("no adapter in its subnet")
+            << QByteArray("lo") << QByteArray("10.0.0.5") << QByteArray()
+            << QByteArray("None of the adapters GigE Vision may use (lo) is in the subnet");
+        QTest::newRow("nobody there")
+            << QByteArray("lo") << QByteArray("127.0.0.9") << QByteArray("lo")
+            << QByteArray("The camera at 127.0.0.9 does not answer");
+    }
+    void refusalsSayWhy()
+    {
+        QFETCH(QByteArray, allowed);
+        QFETCH(QByteArray, address);
+        QFETCH(QByteArray, adapter);
+        QFETCH(QByteArray, reason);
+        qputenv("KIVCAM_GIGE_INTERFACES", allowed);
+        CGigEDevice device;
+        QVERIFY(!device.open(record(address.constData(), adapter.constData()), true));
+        QVERIFY(!device.isOpen());
+        QVERIFY2(str(device.errorMessage()).contains(reason), device.errorMessage().c_str());
+    }
+
+    void aHandMadeRecordFindsItsAdapterBySubnet()
+    {
+        const auto cameras = startCameras({"127.0.0.2,GV-B,0200000000b2"});
+        QVERIFY(cameras);
+        qputenv("KIVCAM_GIGE_INTERFACES", "*");
+        CGigEDevice device;
+        QVERIFY2(device.open(record("127.0.0.2", ""), true), device.errorMessage().c_str());
+    }
+};
+
+KIVCAM_NETWORK_TEST_MAIN(tst_CGigEDevice)
+#include "tst_cgigedevice.moc"

@@ -1,0 +1,226 @@
+#include "GigETest.h"
+
+#include <kivcam/gige/CGigEDiscovery.h>
+#include <kivcam/gige/Gvcp.h>
+#include <kivcam/network/CNetworkAdapters.h>
+
+#include <QElapsedTimer>
+#include <QtTest>
+
+#include <thread>
+
+using namespace gigetest;
+
+namespace {
+
+SNetworkAdapter adapter(const char* name)
+{
+    SNetworkAdapter found;
+    CNetworkAdapters::Find(name, found);
+    return found;
+}
+
+std::uint32_t address(const char* text)
+{
+    std::uint32_t value = 0;
+    CNetworkAdapters::ParseAddress(text, value);
+    return value;
+}
+
+const SGigECamera* bySerial(const TArray<SGigECamera>& cameras, const char* serial)
+{
+    for (const SGigECamera& camera : cameras) {
+        if (camera.device.serial == CString(serial))
+            return &camera;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+class tst_CGigEDiscovery : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        NETNS_REQUIRE();
+        QVERIFY(netns::ip({"link", "set", "lo", "up"}));
+        QVERIFY(netns::ip({"addr", "add", "127.0.0.2/8", "dev", "lo"}));
+    }
+
+    void findsEveryCameraOnceWithItsFields()
+    {
+        const auto cameras = startCameras(
+            {"127.0.0.1,GV-A,020000000001,Model A,left", "127.0.0.2,GV-B,020000000002,Model B"});
+        QVERIFY(cameras);
+        TArray<SGigECamera> found;
+        QVERIFY(CGigEDiscovery::Discover(adapter("lo"), std::chrono::milliseconds(300), found, {}));
+        QCOMPARE(found.count(), 2);
+        const SGigECamera* a = bySerial(found, "GV-A");
+        const SGigECamera* b = bySerial(found, "GV-B");
+        QVERIFY(a && b);
+        QCOMPARE(a->device.mac, std::uint64_t{0x020000000001});
+        QCOMPARE(a->device.address, address("127.0.0.1"));
+        QCOMPARE(b->device.address, address("127.0.0.2"));
+        QCOMPARE(str(a->device.model), QByteArray("Model A"));
+        QCOMPARE(str(a->device.userName), QByteArray("left"));
+        QCOMPARE(str(a->device.manufacturer), QByteArray("Aravis"));
+        QCOMPARE(str(a->adapter.name), QByteArray("lo"));
+        QCOMPARE(a->control, SGigECamera::CONTROL_FREE);
+        QCOMPARE(b->control, SGigECamera::CONTROL_FREE);
+    }
+
+    void answersOfOneCameraMergeByMac()
+    {
+        // Two listeners with one MAC address are one camera, seen twice.
+        const auto cameras
+            = startCameras({"127.0.0.1,GV-SAME,020000000009", "127.0.0.2,GV-SAME,020000000009"});
+        QVERIFY(cameras);
+        TArray<SGigECamera> found;
+        QVERIFY(CGigEDiscovery::Discover(adapter("lo"), std::chrono::milliseconds(300), found, {}));
+        QCOMPARE(found.count(), 1);
+        QCOMPARE(found[0].device.mac, std::uint64_t{0x020000000009});
+    }
+
+    void waitsTheWaitAndNoLonger()
+    {
+        const auto cameras = startCameras({"127.0.0.1,GV-A,020000000001"});
+        QVERIFY(cameras);
+        TArray<SGigECamera> found;
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(CGigEDiscovery::Discover(adapter("lo"), std::chrono::milliseconds(400), found, {}));
+        QVERIFY2(timer.elapsed() >= 400, qPrintable(QString::number(timer.elapsed())));
+        QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
+        QCOMPARE(found.count(), 1);
+    }
+
+    void stopEndsTheWaitAtOnce()
+    {
+        std::stop_source stop;
+        std::thread stopper([&stop] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            stop.request_stop();
+        });
+        TArray<SGigECamera> found;
+        QElapsedTimer timer;
+        timer.start();
+        const bool ok = CGigEDiscovery::Discover(
+            adapter("lo"), std::chrono::milliseconds(30000), found, stop.get_token());
+        stopper.join();
+        QVERIFY(!ok);
+        QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    void aMissingAdapterFails()
+    {
+        SNetworkAdapter missing;
+        missing.name = "nosuch0";
+        missing.addresses.add({address("10.9.9.9"), address("255.255.255.0"), 0});
+        TArray<SGigECamera> found;
+        QVERIFY(!CGigEDiscovery::Discover(missing, std::chrono::milliseconds(50), found, {}));
+        QVERIFY(found.empty());
+    }
+
+    void sameSubnetNeedsBothWays()
+    {
+        SNetworkAdapter near;
+        near.name = "eth9";
+        near.addresses.add({address("10.0.0.1"), address("255.255.255.0"), 0});
+        QVERIFY(CGigEDiscovery::SameSubnet(near, address("10.0.0.20"), address("255.255.255.0")));
+        QVERIFY(CGigEDiscovery::SameSubnet(near, address("10.0.0.20"), address("255.255.0.0")));
+        QVERIFY(!CGigEDiscovery::SameSubnet(near, address("10.0.1.20"), address("255.255.0.0")));
+        // The camera's narrow mask leaves the adapter outside its subnet.
+        QVERIFY(
+            !CGigEDiscovery::SameSubnet(near, address("10.0.0.200"), address("255.255.255.128")));
+        // A second address of the adapter counts as well.
+        near.addresses.add({address("192.168.5.1"), address("255.255.255.0"), 0});
+        QVERIFY(
+            CGigEDiscovery::SameSubnet(near, address("192.168.5.20"), address("255.255.255.0")));
+    }
+
+    void wrongSubnetMessageSaysBothAddressesAndWhatToDo()
+    {
+        SNetworkAdapter near;
+        near.name = "eth9";
+        near.addresses.add({address("10.0.0.1"), address("255.255.255.0"), 0});
+        const QByteArray message = str(CGigEDiscovery::WrongSubnetMessage(
+            near, address("192.168.5.20"), address("255.255.255.0"), 0x0200000000AA));
+        for (const char* part : {"192.168.5.20", "netmask 255.255.255.0", "10.0.0.1", "\"eth9\"",
+                 "02:00:00:00:00:aa", "Give the camera an address in the adapter's subnet"})
+            QVERIFY2(message.contains(part), message.constData());
+    }
+
+    void forceIpRefusesUnusableValues_data()
+    {
+        QTest::addColumn<QByteArray>("mac");
+        QTest::addColumn<QByteArray>("address");
+        QTest::addColumn<QByteArray>("netmask");
+        QTest::newRow("no MAC") << QByteArray("0") << QByteArray("10.0.0.20")
+                                << QByteArray("255.255.255.0");
+        QTest::newRow("MAC beyond 48 bits")
+            << QByteArray("1000000000000") << QByteArray("10.0.0.20")
+            << QByteArray("255.255.255.0");
+        QTest::newRow("holes in the mask")
+            << QByteArray("20000000001") << QByteArray("10.0.0.20") << QByteArray("255.0.255.0");
+        QTest::newRow("network address")
+            << QByteArray("20000000001") << QByteArray("10.0.0.0") << QByteArray("255.255.255.0");
+        QTest::newRow("broadcast address")
+            << QByteArray("20000000001") << QByteArray("10.0.0.255") << QByteArray("255.255.255.0");
+        QTest::newRow("no mask") << QByteArray("20000000001") << QByteArray("10.0.0.20")
+                                 << QByteArray("0.0.0.0");
+    }
+    void forceIpRefusesUnusableValues()
+    {
+        QFETCH(QByteArray, mac);
+        QFETCH(QByteArray, address);
+        QFETCH(QByteArray, netmask);
+        CString error;
+        QVERIFY(!CGigEDiscovery::ForceIp(adapter("lo"), mac.toULongLong(nullptr, 16),
+            ::address(address.constData()), ::address(netmask.constData()), 0, error));
+        QVERIFY(!error.empty());
+    }
+
+    void forceIpMovesACameraOfAnotherSubnetIntoOurs()
+    {
+        const auto far
+            = startFarCamera(QStringLiteral("10.0.0.1/24"), QStringLiteral("192.168.5.20/24"),
+                QStringLiteral("0200000000aa"), QStringLiteral("FAR-1"));
+        QVERIFY(far);
+        const SNetworkAdapter veth = adapter("veth0");
+        TArray<SGigECamera> found;
+        QVERIFY(CGigEDiscovery::Discover(veth, std::chrono::milliseconds(300), found, {}));
+        QCOMPARE(found.count(), 1);
+        QCOMPARE(found[0].device.address, address("192.168.5.20"));
+        QCOMPARE(found[0].control, SGigECamera::CONTROL_UNREACHABLE);
+        QVERIFY(
+            !CGigEDiscovery::SameSubnet(veth, found[0].device.address, found[0].device.netmask));
+
+        CString error;
+        QVERIFY2(CGigEDiscovery::ForceIp(veth, 0x0200000000AA, address("10.0.0.20"),
+                     address("255.255.255.0"), 0, error),
+            error.c_str());
+
+        found = {};
+        QVERIFY(CGigEDiscovery::Discover(veth, std::chrono::milliseconds(300), found, {}));
+        QCOMPARE(found.count(), 1);
+        QCOMPARE(found[0].device.address, address("10.0.0.20"));
+        QCOMPARE(found[0].control, SGigECamera::CONTROL_FREE);
+    }
+
+    void forceIpOfAnUnknownMacSaysNobodyConfirmed()
+    {
+        const auto far
+            = startFarCamera(QStringLiteral("10.0.0.1/24"), QStringLiteral("192.168.5.20/24"),
+                QStringLiteral("0200000000aa"), QStringLiteral("FAR-1"));
+        QVERIFY(far);
+        CString error;
+        QVERIFY(!CGigEDiscovery::ForceIp(adapter("veth0"), 0x0200000000BB, address("10.0.0.21"),
+            address("255.255.255.0"), 0, error));
+        QVERIFY2(str(error).contains("02:00:00:00:00:bb"), error.c_str());
+    }
+};
+
+KIVCAM_NETWORK_TEST_MAIN(tst_CGigEDiscovery)
+#include "tst_cgigediscovery.moc"
