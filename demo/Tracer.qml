@@ -1,0 +1,153 @@
+import QtQuick
+import QtQuick.Controls
+
+// With --trace: reports on standard output, one line per event, what the host and the library's
+// components do ("scanning", "cameras 3", "popup opened", "connecting Bench camera",
+// "connected Thermal64", "frames 120", "cant-connect <message>", "disconnected", ...), and where
+// the things to click are: "at <x> <y> <width> <height> <what>", in window coordinates.
+Item {
+    id: tracer
+
+    required property var standalone
+    required property var popup
+    required property var dialog
+    required property var panel
+    // The toolbar's controls by name.
+    required property var controls
+    required property string cameraName
+
+    readonly property var finder: standalone.cameraFinder
+    readonly property var cantConnect: host.findChild(popup, "cantConnectDialog")
+
+    function trace(line) {
+        host.trace(line)
+    }
+    function at(item, what) {
+        const corner = item.mapToItem(null, 0, 0)
+        trace(["at", Math.round(corner.x), Math.round(corner.y), Math.round(item.width),
+               Math.round(item.height), what].join(" "))
+    }
+    // The popup's rows, once its list has them: "last <identity>" and "row <identity>".
+    function traceRows() {
+        if (!popup.opened || finder.scanning)
+            return
+        const list = host.findChild(popup, "cameraList")
+        const rows = []
+        for (let i = 0; i < list.count; ++i) {
+            const row = list.itemAtIndex(i)
+            if (!row) {
+                rowTimer.restart()
+                return
+            }
+            rows.push(row)
+        }
+        if (popup.lastCamera)
+            at(host.findChild(popup, "lastCameraRow"), "last " + popup.lastCamera.identity)
+        for (const row of rows)
+            at(row, "row " + row.camera.identity)
+    }
+
+    // Once the window's first frame is out, where the toolbar's controls are, and "ready".
+    Connections {
+        id: firstFrame
+        target: tracer.Window.window
+        function onFrameSwapped() {
+            firstFrame.enabled = false
+            for (const name in tracer.controls)
+                tracer.at(tracer.controls[name], name)
+            tracer.trace("ready")
+        }
+    }
+
+    Connections {
+        target: tracer.finder
+        function onScanningChanged() {
+            if (tracer.finder.scanning) {
+                tracer.trace("scanning")
+            } else {
+                tracer.trace("cameras " + tracer.finder.cameras.size)
+                rowTimer.restart()
+            }
+        }
+    }
+
+    Connections {
+        target: tracer.popup
+        function onOpened() {
+            tracer.trace("popup opened")
+            rowTimer.restart()
+        }
+        function onClosed() {
+            tracer.trace("popup closed")
+        }
+    }
+    // The rows are laid out after the list changes.
+    Timer {
+        id: rowTimer
+        interval: 100
+        onTriggered: tracer.traceRows()
+    }
+
+    Connections {
+        target: tracer.cantConnect
+        function onOpened() {
+            tracer.trace("cant-connect " + tracer.popup.errorMessage)
+            tracer.at(tracer.cantConnect.standardButton(Dialog.Ok), "ok")
+        }
+        function onClosed() {
+            tracer.trace("cant-connect closed")
+        }
+    }
+
+    Connections {
+        target: tracer.dialog
+        function onOpened() {
+            tracer.trace("dialog opened")
+        }
+        function onAccepted() {
+            tracer.trace("dialog accepted " + (tracer.dialog.camera ? tracer.dialog.camera.identity : ""))
+        }
+        function onRejected() {
+            tracer.trace("dialog rejected")
+        }
+    }
+
+    Connections {
+        target: tracer.standalone
+        function onConnectingChanged() {
+            if (tracer.standalone.connecting)
+                tracer.trace("connecting " + tracer.cameraName)
+            else if (!tracer.standalone.connected)
+                tracer.trace("connect-failed " + tracer.cameraName)
+        }
+        function onConnectedChanged() {
+            tracer.trace(tracer.standalone.connected ? "connected " + tracer.standalone.controllerName
+                                                     : "disconnected")
+        }
+        function onDisconnectingChanged() {
+            if (tracer.standalone.disconnecting)
+                tracer.trace("disconnecting")
+        }
+    }
+
+    Connections {
+        target: tracer.panel
+        function onStatusChanged() {
+            if (tracer.panel.status === Loader.Ready)
+                tracer.trace("panel loaded")
+            else if (tracer.panel.status === Loader.Error)
+                tracer.trace("panel failed")
+        }
+    }
+    // The panel's frame counter, where its model has one.
+    Timer {
+        interval: 1000
+        repeat: true
+        running: tracer.standalone.connected && tracer.panel.status === Loader.Ready
+        onTriggered: {
+            const model = tracer.standalone.cameraModel
+            if (model && model.frameCount !== undefined)
+                tracer.trace("frames " + model.frameCount)
+        }
+    }
+}
