@@ -159,7 +159,10 @@ Item {
                         fpaSize: page.sensorSize
                         displaySize: displaySizes.model[displaySizes.currentIndex].size
                         zoom: zooms.model[zooms.currentIndex].zoom
-                        offsetType: offsetTypes.currentIndex
+                        // The combo box has no choice (-1) until its list is there, and the
+                        // editor's offset type is an enumeration: never hand it -1.
+                        offsetType: offsetTypes.currentIndex >= 0 ? offsetTypes.currentIndex
+                                                                  : DisplayEditor.OFFSET_CENTERED
                         showNtscLines: ntscLines.checked
                         hFlip: flipH.checked
                         vFlip: flipV.checked
