@@ -111,7 +111,7 @@ ApplicationWindow {
             }
             TabBar {
                 id: pageBar
-                currentIndex: ["live", "cameras", "editors"].indexOf(host.startPage)
+                currentIndex: Math.max(0, ["live", "cameras", "editors"].indexOf(host.startPage))
                 background: null
                 PageTab {
                     glyph: "\uf03d"
@@ -132,7 +132,7 @@ ApplicationWindow {
     StackLayout {
         anchors.fill: parent
         anchors.margins: 12
-        currentIndex: Math.max(0, pageBar.currentIndex)
+        currentIndex: pageBar.currentIndex
 
         LivePage {
             id: livePage

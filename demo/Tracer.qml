@@ -27,24 +27,36 @@ Item {
         trace(["at", Math.round(corner.x), Math.round(corner.y), Math.round(item.width),
                Math.round(item.height), what].join(" "))
     }
-    // The popup's rows, once its list has them: "last <identity>" and "row <identity>".
-    function traceRows() {
-        if (!popup.opened || finder.scanning)
-            return
-        const list = host.findChild(popup, "cameraList")
+    // The rows of a camera list, or null while the list does not have them all yet.
+    function rowsOf(list) {
         const rows = []
         for (let i = 0; i < list.count; ++i) {
             const row = list.itemAtIndex(i)
-            if (!row) {
-                rowTimer.restart()
-                return
-            }
+            if (!row)
+                return null
             rows.push(row)
         }
-        if (popup.lastCamera)
+        return rows
+    }
+    // Where the rows of the popup ("last <identity>", "row <identity>") and of the dialog
+    // ("dialog row <identity>", then its "dialog connect" button) are, once they are laid out.
+    function traceOpenLists() {
+        if (finder.scanning)
+            return
+        const popupRows = popup.opened ? rowsOf(host.findChild(popup, "cameraList")) : []
+        const dialogRows = dialog.opened ? rowsOf(host.findChild(dialog, "cameraList")) : []
+        if (!popupRows || !dialogRows) {
+            rowTimer.restart()
+            return
+        }
+        if (popup.opened && popup.lastCamera)
             at(host.findChild(popup, "lastCameraRow"), "last " + popup.lastCamera.identity)
-        for (const row of rows)
+        for (const row of popupRows)
             at(row, "row " + row.camera.identity)
+        for (const row of dialogRows)
+            at(row, "dialog row " + row.camera.identity)
+        if (dialog.opened)
+            at(host.findChild(dialog, "connectButton"), "dialog connect")
     }
 
     // Once the window's first frame is out, where the toolbar's controls are, and "ready".
@@ -81,11 +93,11 @@ Item {
             tracer.trace("popup closed")
         }
     }
-    // The rows are laid out after the list changes.
+    // The rows are laid out after their list changes.
     Timer {
         id: rowTimer
         interval: 100
-        onTriggered: tracer.traceRows()
+        onTriggered: tracer.traceOpenLists()
     }
 
     Connections {
@@ -103,6 +115,7 @@ Item {
         target: tracer.dialog
         function onOpened() {
             tracer.trace("dialog opened")
+            rowTimer.restart()
         }
         function onAccepted() {
             tracer.trace("dialog accepted " + (tracer.dialog.camera ? tracer.dialog.camera.identity : ""))

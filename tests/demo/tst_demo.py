@@ -6,8 +6,9 @@ with a private data folder, clicks through it with xdotool and checks what it re
 output: the popup scans once and lists the cameras, a camera that can connect connects and its
 live panel counts frames, the popup then shows it as the last camera, a camera that cannot
 connect gets the "Can't Connect" dialog, Disconnect disconnects, a failed connect is reported,
-and a second run remembers the last camera and connects it from there. Screenshots of each step
-are saved in the output folder for a person to look at.
+and a second run remembers the last camera and connects it from there, then connects a camera
+chosen in the "Find cameras..." dialog. Screenshots of each step are saved in the output folder
+for a person to look at.
 
     tst_demo.py --demo BINARY --world WORLD.xml --out FOLDER
 
@@ -233,6 +234,20 @@ def second_run(demo, shot):
     demo.expect("connected Bench64")
     demo.expect(r"frames [1-9]\d*")
     shot("8-live-again")
+
+    # "Find cameras...": the dialog scans; a camera chosen there is connected on "Connect", after
+    # the one connected is disconnected.
+    demo.click("find cameras")
+    demo.expect_all("dialog opened", "scanning")
+    demo.expect("cameras 3")
+    demo.expect(r"at .* dialog connect")
+    demo.click("dialog row Bench camera")
+    shot("9-dialog")
+    demo.click("dialog connect")
+    demo.expect_all("dialog accepted Bench camera", "disconnected", "connecting Bench camera")
+    demo.expect("connected Bench64")
+    demo.expect(r"frames [1-9]\d*")
+    shot("10-live-from-dialog")
     # The demo quits with the camera connected.
 
 
