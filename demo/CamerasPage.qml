@@ -97,17 +97,20 @@ Item {
                             Layout.fillWidth: true
                             spacing: 2
                             Label {
-                                text: row.model.item.displayName + "  \u2022  " + row.model.item.serial
+                                text: (row.model.item.identity !== ""
+                                       ? row.model.item.identity + "  \u2022  " : "")
+                                      + row.model.item.displayName
                                 font.bold: true
                                 elide: Text.ElideRight
                                 Layout.fillWidth: true
                             }
                             Label {
                                 text: row.model.item.canConnect
-                                      ? row.model.item.userFriendlyInterfaceName + "  "
+                                      ? row.model.item.serial + "  \u2022  "
+                                        + row.model.item.userFriendlyInterfaceName + " "
                                         + row.model.item.comm.deviceName
                                       : row.model.item.errorSummary
-                                color: row.model.item.canConnect ? "#A8A8B4" : "#FF6B5E"
+                                color: row.highlighted ? "#FFFFFF" : row.model.item.canConnect ? "#A8A8B4" : "#FF6B5E"
                                 elide: Text.ElideRight
                                 Layout.fillWidth: true
                             }

@@ -40,9 +40,10 @@ ApplicationWindow {
 
     StandaloneModel {
         id: standaloneModel
+        // Set as the model is made, before any page can start a search.
+        cameraFinder.enableEmulators: true
     }
     readonly property CameraFinderModel finder: standaloneModel.cameraFinder
-    Component.onCompleted: finder.enableEmulators = true
 
     // The camera being connected or connected, as the status names it, and whether its connect
     // failed: a failed connect only ends with connected still false.

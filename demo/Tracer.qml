@@ -71,6 +71,11 @@ Item {
         }
     }
 
+    // A search may have started before the trace did.
+    Component.onCompleted: {
+        if (finder.scanning)
+            trace("scanning")
+    }
     Connections {
         target: tracer.finder
         function onScanningChanged() {
