@@ -95,6 +95,7 @@ ApplicationWindow {
                 text: "Find cameras..."
                 onClicked: finderDialog.open()
             }
+            // Further ways to get a camera go here.
             ToolAction {
                 id: disconnectAction
                 glyph: "\uf011"
@@ -126,6 +127,7 @@ ApplicationWindow {
                     glyph: "\uf125"
                     text: "Sensor window"
                 }
+                // A further page: its tab here, the page itself in the stack below.
             }
         }
     }
