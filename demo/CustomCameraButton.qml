@@ -1,19 +1,20 @@
 import QtQuick
 import QtQuick.Controls
 
-// A button that opens the library's custom camera dialog over the whole window and connects
-// the camera assembled in it through the host's StandaloneModel.
-Button {
+// A toolbar action that opens the library's custom camera dialog over the whole window and asks
+// for the camera assembled in it to be connected.
+ToolAction {
     id: button
 
-    // The host's StandaloneModel.
-    property var standalone: null
     // The dialog, made once and kept, so that its choices survive closing it.
     property var dialog: null
 
     // After openExample(), once the example is chosen.
     signal exampleShown()
+    // The user accepted the dialog with this camera.
+    signal connectRequested(var camera)
 
+    glyph: "\uf0ad"
     text: "Custom camera..."
     onClicked: dialog.open()
 
@@ -52,8 +53,8 @@ Button {
         dialog.cameraSelector.enableEmulators = true
         dialog.accepted.connect(() => {
             const camera = dialog.cameraSelector.cameraInfo
-            if (camera && standalone)
-                standalone.connect(camera)
+            if (camera)
+                button.connectRequested(camera)
         })
     }
 }

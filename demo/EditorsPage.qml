@@ -100,13 +100,13 @@ Item {
                     columnSpacing: 10
                     rowSpacing: 4
                     Label { text: "Increment x" }
-                    SpinBox { id: incrementX; from: 1; to: 64; value: 1; editable: true }
+                    NumberField { id: incrementX; from: 1; to: 64; value: 1; onEdited: (typed) => value = typed }
                     Label { text: "Increment y" }
-                    SpinBox { id: incrementY; from: 1; to: 64; value: 1; editable: true }
+                    NumberField { id: incrementY; from: 1; to: 64; value: 1; onEdited: (typed) => value = typed }
                     Label { text: "Minimum width" }
-                    SpinBox { id: minWidth; from: 1; to: page.sensorSize.width; value: 16; editable: true }
+                    NumberField { id: minWidth; from: 1; to: page.sensorSize.width; value: 16; onEdited: (typed) => value = typed }
                     Label { text: "Minimum height" }
-                    SpinBox { id: minHeight; from: 1; to: page.sensorSize.height; value: 16; editable: true }
+                    NumberField { id: minHeight; from: 1; to: page.sensorSize.height; value: 16; onEdited: (typed) => value = typed }
                     CheckBox { id: centred; text: "Centred only"; Layout.columnSpan: 2 }
                     CheckBox { id: flipH; text: "Flip horizontally"; Layout.columnSpan: 2 }
                     Button { text: "Whole sensor"; Layout.columnSpan: 2
@@ -159,7 +159,10 @@ Item {
                         fpaSize: page.sensorSize
                         displaySize: displaySizes.model[displaySizes.currentIndex].size
                         zoom: zooms.model[zooms.currentIndex].zoom
-                        offsetType: offsetTypes.currentIndex
+                        // The combo box has no choice (-1) until its list is there, and the
+                        // editor's offset type is an enumeration: never hand it -1.
+                        offsetType: offsetTypes.currentIndex >= 0 ? offsetTypes.currentIndex
+                                                                  : DisplayEditor.OFFSET_CENTERED
                         showNtscLines: ntscLines.checked
                         hFlip: flipH.checked
                         vFlip: flipV.checked

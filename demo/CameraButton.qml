@@ -1,0 +1,34 @@
+import QtQuick
+import QtQuick.Controls
+import "qrc:/kivcamui/controls" as KivControls
+
+// The toolbar's camera button. It opens the library's camera finder popup under itself, over the
+// camera finder and the configuration folder of the host's StandaloneModel: the last camera and
+// the cameras found, each connected with one click.
+ToolAction {
+    id: button
+
+    required property var standalone
+    readonly property alias popup: popup
+
+    // The user picked a camera that can connect.
+    signal connectRequested(var camera)
+
+    glyph: "\uf030"
+    caret: true
+    checked: popup.visible
+    ToolTip.visible: hovered && !popup.visible
+    ToolTip.delay: 500
+    ToolTip.text: "Connect a camera"
+    onClicked: popup.visible ? popup.close() : popup.open()
+
+    KivControls.CameraFinderPopup {
+        id: popup
+        y: button.height
+        cameraFinder: button.standalone.cameraFinder
+        configDir: button.standalone.configDir
+        // A press on the button itself closes the popup by its click.
+        closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutsideParent
+        onConnect: camera => button.connectRequested(camera)
+    }
+}

@@ -1,0 +1,41 @@
+import QtQuick
+import QtQuick.Controls
+
+// A page's tab in the toolbar: a glyph and the page's name, underlined while the page shows.
+TabButton {
+    id: tab
+
+    property string glyph: ""
+
+    width: implicitWidth
+    implicitHeight: 40
+    leftPadding: 12
+    rightPadding: 12
+
+    contentItem: Row {
+        spacing: 8
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            font.family: fontAwesome.name
+            font.pixelSize: 15
+            color: tab.checked ? "#E0822B" : "#A8A8B4"
+            text: tab.glyph
+        }
+        Label {
+            anchors.verticalCenter: parent.verticalCenter
+            color: tab.checked ? "#E8E8EE" : "#A8A8B4"
+            font.bold: tab.checked
+            text: tab.text
+        }
+    }
+    background: Rectangle {
+        color: tab.hovered ? "#34343D" : "transparent"
+        Rectangle {
+            anchors.bottom: parent.bottom
+            width: parent.width
+            height: 3
+            visible: tab.checked
+            color: "#E0822B"
+        }
+    }
+}

@@ -1,0 +1,41 @@
+import QtQuick
+import QtQuick.Controls
+
+// A toolbar button of the host: an icon-font glyph, then its text, and a caret for a button that
+// opens something under it.
+ToolButton {
+    id: action
+
+    property string glyph: ""
+    property bool caret: false
+
+    implicitHeight: 40
+    leftPadding: 10
+    rightPadding: 10
+
+    contentItem: Row {
+        spacing: 8
+        opacity: action.enabled ? 1 : 0.4
+
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            font.family: fontAwesome.name
+            font.pixelSize: 18
+            color: "#E8E8EE"
+            text: action.glyph
+        }
+        Label {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: action.text !== ""
+            text: action.text
+        }
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: action.caret
+            font.family: fontAwesome.name
+            font.pixelSize: 12
+            color: "#A8A8B4"
+            text: "\uf0d7"
+        }
+    }
+}

@@ -1,0 +1,176 @@
+import QtQuick
+import QtQuick.Controls
+
+// With --trace: reports on standard output, one line per event, what the host and the library's
+// components do ("scanning", "cameras 3", "popup opened", "connecting Bench camera",
+// "connected Thermal64", "frames 120", "cant-connect <message>", "disconnected", ...), and where
+// the things to click are: "at <x> <y> <width> <height> <what>", in window coordinates.
+Item {
+    id: tracer
+
+    required property var standalone
+    required property var popup
+    required property var dialog
+    required property var panel
+    // The toolbar's controls by name.
+    required property var controls
+    required property string cameraName
+
+    readonly property var finder: standalone.cameraFinder
+    readonly property var cantConnect: host.findChild(popup, "cantConnectDialog")
+
+    function trace(line) {
+        host.trace(line)
+    }
+    function at(item, what) {
+        const corner = item.mapToItem(null, 0, 0)
+        trace(["at", Math.round(corner.x), Math.round(corner.y), Math.round(item.width),
+               Math.round(item.height), what].join(" "))
+    }
+    // The rows of a camera list, or null while the list does not have them all yet. The popup
+    // lays its rows out in a column, the dialog in a view.
+    function rowsOf(list) {
+        if (list.itemAtIndex === undefined) {
+            list.forceLayout()
+            return Array.from(list.children).filter(item => item.objectName === "cameraRow")
+        }
+        const rows = []
+        for (let i = 0; i < list.count; ++i) {
+            const row = list.itemAtIndex(i)
+            if (!row)
+                return null
+            rows.push(row)
+        }
+        return rows
+    }
+    // Where the rows of the popup ("last <identity>", "row <identity>") and of the dialog
+    // ("dialog row <identity>", then its "dialog connect" button) are, once they are laid out.
+    function traceOpenLists() {
+        if (finder.scanning)
+            return
+        const popupRows = popup.opened ? rowsOf(host.findChild(popup, "cameraList")) : []
+        const dialogRows = dialog.opened ? rowsOf(host.findChild(dialog, "cameraList")) : []
+        if (!popupRows || !dialogRows) {
+            rowTimer.restart()
+            return
+        }
+        if (popup.opened && popup.lastCamera)
+            at(host.findChild(popup, "lastCameraRow"), "last " + popup.lastCamera.identity)
+        for (const row of popupRows)
+            at(row, "row " + row.camera.identity)
+        for (const row of dialogRows)
+            at(row, "dialog row " + row.camera.identity)
+        if (dialog.opened)
+            at(host.findChild(dialog, "connectButton"), "dialog connect")
+    }
+
+    // Once the window's first frame is out, where the toolbar's controls are, and "ready".
+    Connections {
+        id: firstFrame
+        target: tracer.Window.window
+        function onFrameSwapped() {
+            firstFrame.enabled = false
+            for (const name in tracer.controls)
+                tracer.at(tracer.controls[name], name)
+            tracer.trace("ready")
+        }
+    }
+
+    // A search may have started before the trace did.
+    Component.onCompleted: {
+        if (finder.scanning)
+            trace("scanning")
+    }
+    Connections {
+        target: tracer.finder
+        function onScanningChanged() {
+            if (tracer.finder.scanning) {
+                tracer.trace("scanning")
+            } else {
+                tracer.trace("cameras " + tracer.finder.cameras.size)
+                rowTimer.restart()
+            }
+        }
+    }
+
+    Connections {
+        target: tracer.popup
+        function onOpened() {
+            tracer.trace("popup opened")
+            rowTimer.restart()
+        }
+        function onClosed() {
+            tracer.trace("popup closed")
+        }
+    }
+    // The rows are laid out after their list changes.
+    Timer {
+        id: rowTimer
+        interval: 100
+        onTriggered: tracer.traceOpenLists()
+    }
+
+    Connections {
+        target: tracer.cantConnect
+        function onOpened() {
+            tracer.trace("cant-connect " + tracer.popup.errorMessage)
+            tracer.at(tracer.cantConnect.standardButton(Dialog.Ok), "ok")
+        }
+        function onClosed() {
+            tracer.trace("cant-connect closed")
+        }
+    }
+
+    Connections {
+        target: tracer.dialog
+        function onOpened() {
+            tracer.trace("dialog opened")
+            rowTimer.restart()
+        }
+        function onAccepted() {
+            tracer.trace("dialog accepted " + (tracer.dialog.camera ? tracer.dialog.camera.identity : ""))
+        }
+        function onRejected() {
+            tracer.trace("dialog rejected")
+        }
+    }
+
+    Connections {
+        target: tracer.standalone
+        function onConnectingChanged() {
+            if (tracer.standalone.connecting)
+                tracer.trace("connecting " + tracer.cameraName)
+            else if (!tracer.standalone.connected)
+                tracer.trace("connect-failed " + tracer.cameraName)
+        }
+        function onConnectedChanged() {
+            tracer.trace(tracer.standalone.connected ? "connected " + tracer.standalone.controllerName
+                                                     : "disconnected")
+        }
+        function onDisconnectingChanged() {
+            if (tracer.standalone.disconnecting)
+                tracer.trace("disconnecting")
+        }
+    }
+
+    Connections {
+        target: tracer.panel
+        function onStatusChanged() {
+            if (tracer.panel.status === Loader.Ready)
+                tracer.trace("panel loaded")
+            else if (tracer.panel.status === Loader.Error)
+                tracer.trace("panel failed")
+        }
+    }
+    // The panel's frame counter, where its model has one.
+    Timer {
+        interval: 1000
+        repeat: true
+        running: tracer.standalone.connected && tracer.panel.status === Loader.Ready
+        onTriggered: {
+            const model = tracer.standalone.cameraModel
+            if (model && model.frameCount !== undefined)
+                tracer.trace("frames " + model.frameCount)
+        }
+    }
+}

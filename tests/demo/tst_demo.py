@@ -1,0 +1,335 @@
+#!/usr/bin/env python3
+"""The demo host end to end, in a real X window driven by real input events.
+
+Starts a private Xvfb, runs kivcamui-demo --trace on it over the test's own emulated world and
+with a private data folder, clicks through it with xdotool and checks what it reports on standard
+output: the popup scans once and lists the cameras, a camera that can connect connects and its
+live panel counts frames, the popup then shows it as the last camera, a camera that cannot
+connect gets the "Can't Connect" dialog, Disconnect disconnects, a failed connect is reported,
+and a second run remembers the last camera and connects it from there, then connects a camera
+chosen in the "Find cameras..." dialog. Screenshots of each step are saved in the output folder
+for a person to look at.
+
+    tst_demo.py --demo BINARY --world WORLD.xml --out FOLDER
+
+Exits 77 (skipped) when Xvfb, xdotool or ImageMagick's import is missing.
+"""
+
+import argparse
+import os
+import queue
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+SKIP = 77
+# Generous: the sanitizer build on a busy machine starts slowly.
+WAIT = 120
+WINDOW_TITLE = "kivcamui demo"
+OLD_CAMERA_MESSAGE = "The camera runs firmware 1.0; update it to 2.0 and search again."
+
+
+class Failure(Exception):
+    pass
+
+
+class Display:
+    """A private Xvfb on a free display number, which it picks itself."""
+
+    def __init__(self):
+        read_end, write_end = os.pipe()
+        self.process = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", "1280x1024x24",
+             "-nolisten", "tcp"],
+            pass_fds=(write_end,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(write_end)
+        with os.fdopen(read_end) as pipe:
+            number = pipe.readline().strip()
+        if not number:
+            self.process.kill()
+            raise Failure("Xvfb did not start")
+        self.name = ":" + number
+
+    def close(self):
+        self.process.terminate()
+        self.process.wait(timeout=30)
+
+
+class Demo:
+    """The demo process, its trace as it comes, and the places it reports ("at" lines)."""
+
+    def __init__(self, binary, env, log_folder, run):
+        self.env = env
+        self.lines = queue.Queue()
+        self.trace = []
+        self.places = {}
+        self.trace_log = open(os.path.join(log_folder, f"run{run}-trace.log"), "w")
+        self.error_log = open(os.path.join(log_folder, f"run{run}-stderr.log"), "w")
+        self.process = subprocess.Popen([binary, "--trace"], env=env, stdin=subprocess.DEVNULL,
+                                        stdout=subprocess.PIPE, stderr=self.error_log, text=True)
+        threading.Thread(target=self._read, daemon=True).start()
+        self.window = None
+
+    def _read(self):
+        for line in self.process.stdout:
+            self.lines.put(line.rstrip("\n"))
+        self.lines.put(None)
+
+    def expect(self, pattern, timeout=WAIT):
+        """Waits for the next line that matches pattern; returns its match and the lines read
+        before it."""
+        expression = re.compile(pattern)
+        skipped = []
+        deadline = time.monotonic() + timeout
+        while True:
+            try:
+                line = self.lines.get(timeout=max(0.0, deadline - time.monotonic()))
+            except queue.Empty:
+                raise Failure(f"no line matching {pattern!r} within {timeout} s")
+            if line is None:
+                raise Failure(f"the demo ended (code {self.process.wait()}) before a line "
+                              f"matching {pattern!r}")
+            self.trace.append(line)
+            print(line, file=self.trace_log, flush=True)
+            place = re.fullmatch(r"at (-?\d+) (-?\d+) (\d+) (\d+) (.+)", line)
+            if place:
+                x, y, width, height = (int(n) for n in place.groups()[:4])
+                self.places[place.group(5)] = (x + width // 2, y + height // 2)
+            match = expression.fullmatch(line)
+            if match:
+                return match, skipped
+            skipped.append(line)
+
+    def expect_all(self, *patterns, timeout=WAIT):
+        """Waits until each pattern has matched a line, in any order; returns the lines read."""
+        waiting = list(patterns)
+        lines = []
+        deadline = time.monotonic() + timeout
+        while waiting:
+            match, skipped = self.expect("|".join(f"(?:{p})" for p in waiting),
+                                         max(0.0, deadline - time.monotonic()))
+            lines += skipped + [match.group(0)]
+            waiting = [p for p in waiting if not re.fullmatch(p, match.group(0))]
+        return lines
+
+    def find_window(self):
+        self.window = xdotool(self.env, "search", "--sync", "--onlyvisible", "--name",
+                              "^" + WINDOW_TITLE + "$").split()[0]
+
+    def click(self, what):
+        if what not in self.places:
+            raise Failure(f"the demo has not said where {what!r} is")
+        x, y = self.places[what]
+        xdotool(self.env, "mousemove", "--window", self.window, str(x), str(y), "click", "1")
+
+    def key(self, keys):
+        xdotool(self.env, "key", keys)
+
+    def screenshot(self, file):
+        subprocess.run(["import", "-window", self.window, file], env=self.env, check=True,
+                       timeout=60)
+
+    def quit(self):
+        """Ctrl+Q, and the process's exit code."""
+        self.key("ctrl+q")
+        self.expect("quit")
+        return self.process.wait(timeout=WAIT)
+
+    def close(self):
+        if self.process.poll() is None:
+            self.process.kill()
+            self.process.wait()
+        self.trace_log.close()
+        self.error_log.close()
+
+
+def xdotool(env, *arguments):
+    return subprocess.run(["xdotool", *arguments], env=env, check=True, timeout=WAIT,
+                          capture_output=True, text=True).stdout
+
+
+def first_run(demo, shot):
+    demo.expect("ready")
+    demo.find_window()
+
+    # Nothing found yet and no last camera: opening the popup scans, once.
+    demo.click("camera button")
+    demo.expect_all("popup opened", "scanning")
+    demo.expect("cameras 3")
+    _, before = demo.expect(r"at .* row Bench camera")
+    if any(" last " in line for line in before):
+        raise Failure("a first run shows a last camera")
+    demo.expect(r"at .* row Broken camera")
+    shot("1-popup-found")
+
+    # A connect that fails is reported as such; the popup keeps the camera all the same.
+    demo.click("row Broken camera")
+    demo.expect_all("popup closed", "connecting Broken camera")
+    _, before = demo.expect("connect-failed Broken camera")
+    if any(line.startswith("connected") for line in before):
+        raise Failure("a failing camera was reported connected")
+    shot("2-connect-failed")
+
+    # A camera that can connect: connected, with its live panel counting frames.
+    demo.click("camera button")
+    demo.expect("popup opened")
+    demo.expect(r"at .* last Broken camera")
+    demo.expect(r"at .* row Broken camera")
+    demo.click("row Bench camera")
+    demo.expect_all("popup closed", "connecting Bench camera")
+    demo.expect("connected Bench64")
+    demo.expect("panel loaded")
+    frames = [int(demo.expect(r"frames (\d+)")[0].group(1)) for _ in range(3)]
+    if not frames[0] < frames[1] < frames[2]:
+        raise Failure(f"the live panel's frame counter does not count up: {frames}")
+    shot("3-live")
+
+    # The popup now shows it as the last camera, and does not scan by itself.
+    demo.click("camera button")
+    demo.expect("popup opened")
+    _, before = demo.expect(r"at .* last Bench camera")
+    if "scanning" in before:
+        raise Failure("the popup scanned although it had cameras to show")
+    demo.expect(r"at .* row Broken camera")
+    shot("4-popup-last")
+
+    # A camera that cannot connect: the "Can't Connect" dialog, and the connection stays.
+    demo.click("row Old camera")
+    message, before = demo.expect("cant-connect (.*)")
+    if message.group(1) != OLD_CAMERA_MESSAGE:
+        raise Failure(f"the Can't Connect dialog says {message.group(1)!r}")
+    if any(line.startswith(("connecting", "disconnect")) for line in before):
+        raise Failure("a camera that cannot connect was handed on")
+    demo.expect(r"at .* ok")
+    shot("5-cant-connect")
+    demo.click("ok")
+    demo.expect("cant-connect closed")
+    demo.expect(r"frames \d+")
+
+    # Disconnect.
+    demo.click("disconnect")
+    demo.expect("disconnecting")
+    demo.expect("disconnected")
+    shot("6-disconnected")
+
+
+def second_run(demo, shot):
+    demo.expect("ready")
+    demo.find_window()
+
+    # The last camera of the first run is there, and the popup does not scan for it.
+    demo.click("camera button")
+    demo.expect("popup opened")
+    _, before = demo.expect(r"at .* last Bench camera")
+    if "scanning" in before:
+        raise Failure("the popup scanned although it had a last camera to show")
+    shot("7-popup-remembered")
+
+    demo.click("last Bench camera")
+    demo.expect_all("popup closed", "connecting Bench camera")
+    demo.expect("connected Bench64")
+    demo.expect(r"frames [1-9]\d*")
+    shot("8-live-again")
+
+    # "Find cameras...": the dialog scans; a camera chosen there is connected on "Connect", after
+    # the one connected is disconnected.
+    demo.click("find cameras")
+    demo.expect_all("dialog opened", "scanning")
+    demo.expect("cameras 3")
+    demo.expect(r"at .* dialog connect")
+    demo.click("dialog row Bench camera")
+    shot("9-dialog")
+    demo.click("dialog connect")
+    demo.expect_all("dialog accepted Bench camera", "disconnected", "connecting Bench camera")
+    demo.expect("connected Bench64")
+    demo.expect(r"frames [1-9]\d*")
+    shot("10-live-from-dialog")
+    # The demo quits with the camera connected.
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--demo", required=True)
+    parser.add_argument("--world", required=True)
+    parser.add_argument("--out", required=True)
+    options = parser.parse_args()
+
+    missing = [tool for tool in ("Xvfb", "xdotool", "import") if not shutil.which(tool)]
+    if missing:
+        print(f"skipped: {', '.join(missing)} not installed (scripts/bootstrap installs them)")
+        return SKIP
+
+    shutil.rmtree(options.out, ignore_errors=True)
+    os.makedirs(options.out)
+    home = tempfile.mkdtemp(prefix="tst_demo-")
+    display = Display()
+    env = dict(os.environ)
+    for name in ("WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XAUTHORITY"):
+        env.pop(name, None)
+    env.update({
+        "DISPLAY": display.name,
+        "QT_QPA_PLATFORM": "xcb",
+        "QT_QUICK_BACKEND": "software",
+        "KIVCAM_EMULATOR_WORLD": options.world,
+        "KIVCAMUI_WHITELIST": "libkivcamuiEmulator.so",
+        # Never the user's folders: the last camera is kept under XDG_DATA_HOME.
+        "HOME": home,
+        "XDG_DATA_HOME": os.path.join(home, "data"),
+        "XDG_CONFIG_HOME": os.path.join(home, "config"),
+        "XDG_CACHE_HOME": os.path.join(home, "cache"),
+        "XDG_RUNTIME_DIR": os.path.join(home, "runtime"),
+    })
+    os.makedirs(env["XDG_RUNTIME_DIR"], mode=0o700)
+    # Qt's libraries have no frame pointers: only the slow unwinder shows their frames, which the
+    # leak suppressions of the sanitizer build match.
+    if "ASAN_OPTIONS" in env:
+        env["ASAN_OPTIONS"] += ":fast_unwind_on_malloc=0"
+    print(f"screenshots and traces in {options.out}")
+
+    status = 0
+    try:
+        for run, steps in ((1, first_run), (2, second_run)):
+            demo = Demo(options.demo, env, options.out, run)
+
+            def shot(name):
+                demo.screenshot(os.path.join(options.out, name + ".png"))
+
+            try:
+                steps(demo, shot)
+                code = demo.quit()
+                if code != 0:
+                    raise Failure(f"the demo exited with code {code}")
+            except (Failure, subprocess.SubprocessError) as error:
+                print(f"FAIL in run {run}: {error}")
+                if demo.window:
+                    try:
+                        shot(f"run{run}-failure")
+                    except subprocess.SubprocessError:
+                        pass
+                status = 1
+            finally:
+                demo.close()
+                print(f"run {run} trace:\n  " + "\n  ".join(demo.trace))
+                with open(os.path.join(options.out, f"run{run}-stderr.log")) as errors:
+                    text = errors.read()
+                if text.strip():
+                    print(f"run {run} standard error:\n{text}")
+            if status:
+                break
+        stored = os.path.join(env["XDG_DATA_HOME"], "kivcamui", "kivcamui-demo", "lastCamera.xml")
+        if not status and not os.path.isfile(stored):
+            print(f"FAIL: no {stored}")
+            status = 1
+    finally:
+        display.close()
+        shutil.rmtree(home, ignore_errors=True)
+    print("PASS" if status == 0 else "FAIL")
+    return status
+
+
+if __name__ == "__main__":
+    sys.exit(main())
