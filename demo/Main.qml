@@ -176,6 +176,7 @@ ApplicationWindow {
             standalone: standaloneModel
             popup: cameraButton.popup
             dialog: finderDialog
+            customDialog: customCameraAction.dialog
             panel: livePage.panel
             controls: ({ "camera button": cameraButton, "find cameras": findAction,
                          "custom camera": customCameraAction, "disconnect": disconnectAction })

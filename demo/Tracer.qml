@@ -3,14 +3,17 @@ import QtQuick.Controls
 
 // With --trace: reports on standard output, one line per event, what the host and the library's
 // components do ("scanning", "cameras 3", "popup opened", "connecting Bench camera",
-// "connected Thermal64", "frames 120", "cant-connect <message>", "disconnected", ...), and where
-// the things to click are: "at <x> <y> <width> <height> <what>", in window coordinates.
+// "connected Thermal64", "frames 120", "cant-connect <message>", "custom accepted <identity>",
+// "disconnected", ...), and where the things to click are: "at <x> <y> <width> <height> <what>",
+// in window coordinates.
 Item {
     id: tracer
 
     required property var standalone
     required property var popup
     required property var dialog
+    // The custom camera dialog; null until it is made.
+    required property var customDialog
     required property var panel
     // The toolbar's controls by name.
     required property var controls
@@ -62,6 +65,57 @@ Item {
             at(row, "dialog row " + row.camera.identity)
         if (dialog.opened)
             at(host.findChild(dialog, "connectButton"), "dialog connect")
+    }
+
+    // Where the custom camera dialog's camera types ("custom type <name>"), devices ("custom device
+    // <interface> : <device>"), identity field ("custom identity") and Connect button ("custom
+    // connect") are, once the dialog has found its devices.
+    function traceCustomDialog() {
+        const selector = customDialog.cameraSelector
+        if (!customDialog.opened || selector.scanning)
+            return
+        const types = rowsOf(host.findChild(customDialog, "cameraList"))
+        const devices = rowsOf(host.findChild(customDialog, "deviceList"))
+        if (!types || !devices) {
+            customTimer.restart()
+            return
+        }
+        for (const row of types)
+            at(row, "custom type " + row.camera.name)
+        for (const row of devices)
+            at(row, "custom device " + row.device.interfaceName + " : " + row.device.deviceName)
+        const identity = host.findChild(customDialog, "identityField")
+        if (identity.visible)
+            at(identity, "custom identity")
+        at(host.findChild(customDialog, "connectButton"), "custom connect")
+    }
+    Timer {
+        id: customTimer
+        interval: 100
+        onTriggered: tracer.traceCustomDialog()
+    }
+    Connections {
+        target: tracer.customDialog
+        function onOpened() {
+            tracer.trace("custom opened")
+            customTimer.restart()
+        }
+        function onAccepted() {
+            const camera = tracer.customDialog.cameraSelector.cameraInfo
+            tracer.trace("custom accepted " + (camera ? camera.identity : ""))
+        }
+    }
+    Connections {
+        target: tracer.customDialog ? tracer.customDialog.cameraSelector : null
+        function onScanningChanged() {
+            if (!tracer.customDialog.cameraSelector.scanning)
+                customTimer.restart()
+        }
+        function onCameraInfoChanged() {
+            const camera = tracer.customDialog.cameraSelector.cameraInfo
+            tracer.trace("custom camera " + (camera ? camera.identity : ""))
+            customTimer.restart()
+        }
     }
 
     // Once the window's first frame is out, where the toolbar's controls are, and "ready".
