@@ -30,6 +30,7 @@
 #include <QTextStream>
 
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -44,7 +45,8 @@ struct SQmlType {
     QString reason; // why QML cannot create it
 };
 
-// The registered names of each module, in registration order.
+// The registered names of each module, in registration order. Qt has no public way to list the
+// types of a module, so they are named here, and each must be registered under its name.
 struct SModule {
     QString uri;
     QStringList names;
@@ -69,8 +71,8 @@ const QString regenerate = QStringLiteral("cmake --build build --target qml-type
     std::exit(1);
 }
 
-// A type that is not registered, as QML reaches it.
-SQmlType unregistered(const QString& module, const QMetaObject* meta)
+// A type of a module, not (yet) registered.
+SQmlType typeOf(const QString& module, const QMetaObject* meta)
 {
     SQmlType type;
     type.module = module;
@@ -81,10 +83,16 @@ SQmlType unregistered(const QString& module, const QMetaObject* meta)
 // The types QML reaches without their being registered, by module.
 QList<SQmlType> reachedTypes()
 {
-    return {unregistered("kivcamui", &ControllerModel::staticMetaObject),
-        unregistered("kivcamui", &DeviceParameter::staticMetaObject),
-        unregistered("kivcamui", &InterfaceModel::staticMetaObject),
-        unregistered("kivui", &ObjectListModel::staticMetaObject)};
+    return {typeOf("kivcamui", &ControllerModel::staticMetaObject),
+        typeOf("kivcamui", &DeviceParameter::staticMetaObject),
+        typeOf("kivcamui", &InterfaceModel::staticMetaObject),
+        typeOf("kivui", &ObjectListModel::staticMetaObject)};
+}
+
+// The probe's property of the type of a name.
+QString probeProperty(const QString& name)
+{
+    return name.at(0).toLower() + name.mid(1);
 }
 
 // The registered types of a module, with the classes the QML engine has registered under their
@@ -95,7 +103,7 @@ QList<SQmlType> registeredTypes(QQmlEngine& engine, const SModule& module)
     const QString import = "import " + module.uri + " 1.0\n";
     QString probeSource = import + "import QtQml\nQtObject {\n";
     for (const QString& name : module.names)
-        probeSource += "    property " + name + " " + name.at(0).toLower() + name.mid(1) + "\n";
+        probeSource += "    property " + name + " " + probeProperty(name) + "\n";
     probeSource += "}\n";
     QQmlComponent probeComponent(&engine);
     probeComponent.setData(probeSource.toUtf8(), QUrl());
@@ -105,11 +113,11 @@ QList<SQmlType> registeredTypes(QQmlEngine& engine, const SModule& module)
 
     QList<SQmlType> types;
     for (const QString& name : module.names) {
-        const QByteArray property = (name.at(0).toLower() + name.mid(1)).toUtf8();
         const QMetaObject* probeMeta = probe->metaObject();
         const QMetaType metaType
-            = probeMeta->property(probeMeta->indexOfProperty(property)).metaType();
-        SQmlType type = unregistered(module.uri, metaType.metaObject());
+            = probeMeta->property(probeMeta->indexOfProperty(probeProperty(name).toUtf8()))
+                  .metaType();
+        SQmlType type = typeOf(module.uri, metaType.metaObject());
         type.name = name;
         if (!type.meta)
             fail(module.uri + " " + name + " is not an object type");
@@ -188,9 +196,9 @@ void writeMarkdownType(QTextStream& out, const SQmlType& type)
     if (type.name.isEmpty())
         out << "Not registered: QML reaches it as a property value or a result.\n\n";
     else if (type.creatable)
-        out << "Created in QML.\n\n";
+        out << "Creatable in QML.\n\n";
     else
-        out << "Not created in QML: \"" << type.reason << "\".\n\n";
+        out << "Not creatable in QML: \"" << type.reason << "\".\n\n";
 
     if (meta->enumeratorCount() > base->enumeratorCount()) {
         out << "| enumeration | values |\n|---|---|\n";
@@ -210,7 +218,7 @@ void writeMarkdownType(QTextStream& out, const SQmlType& type)
             const QMetaMethod notify = property.notifySignal();
             out << "| `" << property.name() << "` | `" << property.typeName() << "` | "
                 << access(property) << " | "
-                << (notify.isValid() ? "`" + notify.name() + "`" : QByteArray()) << " |\n";
+                << (notify.isValid() ? "`" + notify.name() + "`" : "\u2013") << " |\n";
         }
         out << "\n";
     }
@@ -332,6 +340,26 @@ void writeComponent(QTextStream& out, const SQmlType& type)
     out << "    }\n";
 }
 
+// Fails at the first line where the file differs from the reference, saying how to regenerate it.
+void check(const QString& path, const QString& reference)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        fail("cannot read " + path);
+    const QStringList committed = QString::fromUtf8(file.readAll()).split('\n');
+    const QStringList generated = reference.split('\n');
+    for (qsizetype i = 0; i < qMax(committed.size(), generated.size()); ++i) {
+        const QString was = committed.value(i, "(end of file)");
+        const QString is = generated.value(i, "(end of file)");
+        if (was != is)
+            fail(QString("%1 is not what the types say; first difference, line %2:\n"
+                         "  file:      %3\n  generated: %4\nRegenerate it: %5")
+                     .arg(path)
+                     .arg(i + 1)
+                     .arg(was, is, regenerate));
+    }
+}
+
 void writeFile(const QString& path, const QString& text)
 {
     QSaveFile file(path);
@@ -354,7 +382,7 @@ void writeQmltypes(const QString& folder, const SModule& module, const QList<SQm
     for (qsizetype i = 0; i < components.size(); ++i) {
         const QMetaObject* super = components.at(i).meta->superClass();
         if (!isQtClass(super) && !written.contains(super)) {
-            components.append(unregistered(module.uri, super));
+            components.append(typeOf(module.uri, super));
             written.append(super);
         }
     }
@@ -419,23 +447,8 @@ int main(int argc, char** argv)
 
     if (parser.isSet(markdownOption))
         writeFile(parser.value(markdownOption), reference);
-    if (parser.isSet(checkOption)) {
-        QFile file(parser.value(checkOption));
-        if (!file.open(QIODevice::ReadOnly))
-            fail("cannot read " + file.fileName());
-        const QStringList committed = QString::fromUtf8(file.readAll()).split('\n');
-        const QStringList generated = reference.split('\n');
-        for (qsizetype i = 0; i < qMax(committed.size(), generated.size()); ++i) {
-            const QString was = committed.value(i, "(end of file)");
-            const QString is = generated.value(i, "(end of file)");
-            if (was != is)
-                fail(QString("%1 is not what the types say; first difference, line %2:\n"
-                             "  file:      %3\n  generated: %4\nRegenerate it: %5")
-                         .arg(file.fileName())
-                         .arg(i + 1)
-                         .arg(was, is, regenerate));
-        }
-    }
+    if (parser.isSet(checkOption))
+        check(parser.value(checkOption), reference);
     if (parser.isSet(qmltypesOption)) {
         for (const SModule& module : modules)
             writeQmltypes(parser.value(qmltypesOption), module, types + reached);
