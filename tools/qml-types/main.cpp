@@ -186,6 +186,17 @@ QList<QMetaMethod> methods(const QMetaObject* meta, int offset, QMetaMethod::Met
     return list;
 }
 
+// A list of signals (without result) or invokables (with it), when there are any.
+void writeMarkdownMethods(QTextStream& out, const char* heading, const QList<QMetaMethod>& list)
+{
+    if (list.isEmpty())
+        return;
+    out << heading << ":\n\n";
+    for (const QMetaMethod& method : list)
+        out << "- `" << signature(method, method.methodType() != QMetaMethod::Signal) << "`\n";
+    out << "\n";
+}
+
 void writeMarkdownType(QTextStream& out, const SQmlType& type)
 {
     const QMetaObject* meta = type.meta;
@@ -222,20 +233,9 @@ void writeMarkdownType(QTextStream& out, const SQmlType& type)
         }
         out << "\n";
     }
-    const QList<QMetaMethod> signalList = methods(meta, base->methodCount(), QMetaMethod::Signal);
-    if (!signalList.isEmpty()) {
-        out << "Signals:\n\n";
-        for (const QMetaMethod& method : signalList)
-            out << "- `" << signature(method, false) << "`\n";
-        out << "\n";
-    }
-    const QList<QMetaMethod> invokables = methods(meta, base->methodCount(), QMetaMethod::Method);
-    if (!invokables.isEmpty()) {
-        out << "Invokables:\n\n";
-        for (const QMetaMethod& method : invokables)
-            out << "- `" << signature(method, true) << "`\n";
-        out << "\n";
-    }
+    writeMarkdownMethods(out, "Signals", methods(meta, base->methodCount(), QMetaMethod::Signal));
+    writeMarkdownMethods(
+        out, "Invokables", methods(meta, base->methodCount(), QMetaMethod::Method));
 }
 
 QString markdown(const QList<SQmlType>& registered, const QList<SQmlType>& reached)
