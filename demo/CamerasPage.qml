@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -24,7 +26,8 @@ Item {
             finder.scan()
     }
     onVisibleChanged: scanFirstTime()
-    Component.onCompleted: Qt.callLater(scanFirstTime)
+    // Qt.callLater is a function; the qmllint of Qt 6.4 cannot tell.
+    Component.onCompleted: Qt.callLater(scanFirstTime) // qmllint disable type
 
     ColumnLayout {
         anchors.fill: parent
@@ -82,12 +85,13 @@ Item {
                                 anchors.fill: parent
                                 visible: row.model.item.iconExists
                                 source: row.model.item.iconExists ? row.model.item.icon : ""
-                                sourceSize: Qt.size(40, 40)
+                                sourceSize.width: 40
+                                sourceSize.height: 40
                             }
                             Text {
                                 anchors.centerIn: parent
                                 visible: !row.model.item.iconExists
-                                font.family: fontAwesome.name
+                                font.family: fontAwesome.name // qmllint disable unqualified
                                 font.pixelSize: 28
                                 color: "#E8E8EE"
                                 text: "\uf030"

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -40,7 +42,8 @@ Item {
                 CheckBox {
                     required property string modelData
                     text: modelData
-                    checked: deviceFinder.supportedDevices.indexOf(modelData) >= 0
+                    // A string list is an array in QML; the qmllint of Qt 6.4 knows no methods of it.
+                    checked: deviceFinder.supportedDevices.indexOf(modelData) >= 0 // qmllint disable type
                     onToggled: {
                         const others = deviceFinder.supportedDevices.filter(name => name !== modelData)
                         deviceFinder.supportedDevices = checked ? others.concat([modelData]) : others
@@ -108,7 +111,8 @@ Item {
                         Layout.preferredWidth: 32
                         Layout.preferredHeight: 32
                         source: row.device.iconExists ? row.device.icon : ""
-                        sourceSize: Qt.size(32, 32)
+                        sourceSize.width: 32
+                        sourceSize.height: 32
                     }
                     ColumnLayout {
                         Layout.preferredWidth: 260

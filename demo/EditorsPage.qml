@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -80,9 +82,11 @@ Item {
                         anchors.horizontalCenter: parent.horizontalCenter
                         width: page.sensorSize.width * scale
                         height: page.sensorSize.height * scale
-                        maxSize: page.sensorSize
-                        minSize: Qt.size(minWidth.value, minHeight.value)
-                        increment: Qt.point(incrementX.value, incrementY.value)
+                        // QML's sizes and points hold reals, which the engine turns into the
+                        // editor's whole pixels; the qmllint of Qt 6.4 takes them for a mismatch.
+                        maxSize: page.sensorSize // qmllint disable type
+                        minSize: Qt.size(minWidth.value, minHeight.value) // qmllint disable type
+                        increment: Qt.point(incrementX.value, incrementY.value) // qmllint disable type
                         centeredOnly: centred.checked
                         hFlip: flipH.checked
                         vFlip: flipV.checked
@@ -156,7 +160,8 @@ Item {
                         width: displaySize.width * scale
                         height: displaySize.height * scale
                         window: sensorEditor.window
-                        fpaSize: page.sensorSize
+                        // A size of reals for whole pixels, as the window editor's maxSize.
+                        fpaSize: page.sensorSize // qmllint disable type
                         displaySize: displaySizes.model[displaySizes.currentIndex].size
                         zoom: zooms.model[zooms.currentIndex].zoom
                         // The combo box has no choice (-1) until its list is there, and the

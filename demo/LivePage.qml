@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 
@@ -37,7 +39,7 @@ Rectangle {
 
         Text {
             anchors.horizontalCenter: parent.horizontalCenter
-            font.family: fontAwesome.name
+            font.family: fontAwesome.name // qmllint disable unqualified
             font.pixelSize: 64
             color: "#4A4A55"
             text: "\uf030"

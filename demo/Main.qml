@@ -10,6 +10,9 @@ import "qrc:/kivcamui/dialogs" as KivDialogs
 ApplicationWindow {
     id: window
 
+    // The demo's C++ side (DemoHost): its options, the icon font, the trace and the pictures.
+    required property var host
+
     width: 1200
     height: 840
     minimumWidth: 960
@@ -35,7 +38,7 @@ ApplicationWindow {
     // The host's icon font, which the library's components use too.
     FontLoader {
         id: fontAwesome
-        source: host.iconFontUrl
+        source: window.host.iconFontUrl
     }
 
     StandaloneModel {
@@ -116,7 +119,8 @@ ApplicationWindow {
             }
             TabBar {
                 id: pageBar
-                currentIndex: Math.max(0, ["live", "cameras", "editors", "devices"].indexOf(host.startPage))
+                currentIndex: Math.max(0, ["live", "cameras", "editors", "devices"]
+                                          .indexOf(window.host.startPage))
                 background: null
                 PageTab {
                     glyph: "\uf03d"
@@ -157,7 +161,7 @@ ApplicationWindow {
             camera: cameras.camera
         }
         DevicesPage {
-            transports: host.transports
+            transports: window.host.transports
         }
     }
 
@@ -170,9 +174,14 @@ ApplicationWindow {
         onAccepted: window.connectCamera(camera)
     }
 
+    // The tracer and the picture tour reach the window's parts by their ids from loaded
+    // components: qmllint of Qt 6.4 wants those bound to this file (pragma ComponentBehavior:
+    // Bound), which Qt 6.4 cannot load.
+    // qmllint disable unqualified
     Loader {
-        active: host.tracing
+        active: window.host.tracing
         sourceComponent: Tracer {
+            host: window.host
             standalone: standaloneModel
             popup: cameraButton.popup
             dialog: finderDialog
@@ -185,8 +194,9 @@ ApplicationWindow {
     }
 
     Loader {
-        active: host.picturesDir !== ""
+        active: window.host.picturesDir !== ""
         sourceComponent: PictureTour {
+            host: window.host
             hostWindow: window
             standalone: standaloneModel
             popup: cameraButton.popup
@@ -197,17 +207,18 @@ ApplicationWindow {
             customAction: customCameraAction
         }
     }
+    // qmllint enable unqualified
 
     // With --screenshot: saves the window once the start page has settled, then quits.
     Timer {
         interval: 1000
         repeat: true
-        running: host.screenshotFile !== ""
+        running: window.host.screenshotFile !== ""
         onTriggered: {
             if (window.finder.scanning)
                 return
-            if (!host.saveWindow(window, host.screenshotFile))
-                console.error("Could not save " + host.screenshotFile)
+            if (!window.host.saveWindow(window, window.host.screenshotFile))
+                console.error("Could not save " + window.host.screenshotFile)
             Qt.quit()
         }
     }

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 
@@ -16,7 +18,7 @@ TabButton {
         spacing: 8
         Text {
             anchors.verticalCenter: parent.verticalCenter
-            font.family: fontAwesome.name
+            font.family: fontAwesome.name // qmllint disable unqualified
             font.pixelSize: 15
             color: tab.checked ? "#E0822B" : "#A8A8B4"
             text: tab.glyph

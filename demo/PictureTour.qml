@@ -1,5 +1,6 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
-import QtQuick.Controls
 
 // With --pictures: goes through the host's main views as a user would, by the same controls, and
 // saves a picture of each in host.picturesDir, then quits: the live panel of a camera picked in
@@ -11,6 +12,7 @@ import QtQuick.Controls
 QtObject {
     id: tour
 
+    required property var host
     required property var hostWindow
     required property var standalone
     required property var popup

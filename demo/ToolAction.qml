@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 
@@ -19,7 +21,7 @@ ToolButton {
 
         Text {
             anchors.verticalCenter: parent.verticalCenter
-            font.family: fontAwesome.name
+            font.family: fontAwesome.name // qmllint disable unqualified
             font.pixelSize: 18
             color: "#E8E8EE"
             text: action.glyph
@@ -32,7 +34,7 @@ ToolButton {
         Text {
             anchors.verticalCenter: parent.verticalCenter
             visible: action.caret
-            font.family: fontAwesome.name
+            font.family: fontAwesome.name // qmllint disable unqualified
             font.pixelSize: 12
             color: "#A8A8B4"
             text: "\uf0d7"

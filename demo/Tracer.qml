@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls
 
@@ -9,6 +11,7 @@ import QtQuick.Controls
 Item {
     id: tracer
 
+    required property var host
     required property var standalone
     required property var popup
     required property var dialog

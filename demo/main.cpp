@@ -20,7 +20,6 @@
 #include <QDir>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
-#include <QQmlContext>
 #include <QQuickStyle>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -67,7 +66,7 @@ int main(int argc, char** argv)
         parser.isSet(pictures) ? QDir(parser.value(pictures)).absolutePath() : QString(),
         parser.isSet(trace)});
     QQmlApplicationEngine engine;
-    engine.rootContext()->setContextProperty("host", &host);
+    engine.setInitialProperties({{"host", QVariant::fromValue<QObject*>(&host)}});
     engine.load(QUrl("qrc:/demo/Main.qml"));
     if (engine.rootObjects().isEmpty())
         return 1;

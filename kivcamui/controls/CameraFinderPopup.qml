@@ -1,6 +1,9 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick 2.15
 import QtQuick.Controls 2.15
-import QtQuick.Layouts 1.15
+// Layouts is among the popup's declared imports, though the popup lays nothing out with it.
+import QtQuick.Layouts 1.15 // qmllint disable unused-imports
 import kivcamui 1.0
 
 // The compact camera chooser shown under a toolbar button of the host: the last camera used and
@@ -55,7 +58,6 @@ Popup {
 
     component SectionHeader: Rectangle {
         property alias text: label.text
-        width: popup.width - 16
         height: 24
         color: "#22222B"
         Label {
@@ -97,7 +99,9 @@ Popup {
             Text {
                 anchors.centerIn: parent
                 visible: row.camera !== null && !row.camera.iconExists
-                font.family: fontAwesome.name
+                // qmllint disable unqualified
+                font.family: fontAwesome.name // the host's icon font, found by its id
+                // qmllint enable unqualified
                 font.pixelSize: 24
                 color: "#E8E8EE"
                 text: "\uf030"
@@ -132,11 +136,14 @@ Popup {
         ToolTip.text: row.camera ? row.camera.errorSummary : ""
     }
 
-    contentItem: Column {
+    // In the popup's own content item: ids in a replaced content item would make its creation
+    // immediate instead of deferred.
+    Column {
         spacing: 0
 
         SectionHeader {
             visible: popup.lastCamera !== null
+            width: popup.width - 16
             text: "Last Camera"
         }
         CameraRow {
@@ -159,6 +166,7 @@ Popup {
         }
 
         SectionHeader {
+            width: popup.width - 16
             text: "Found Cameras"
         }
         // The popup grows with its rows and never scrolls, so the rows are laid out as they are.

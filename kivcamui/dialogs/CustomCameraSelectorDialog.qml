@@ -8,6 +8,10 @@ import kivui 1.0
 // control and video, or a control device and a video device; then the parameters of a custom
 // camera and of its devices. Every opening searches for devices anew. The host reads
 // cameraSelector.cameraInfo after accepted().
+//
+// Where the rows and the inline components reach the dialog by its id, qmllint of Qt 6.4 wants
+// them in components bound to this file (pragma ComponentBehavior: Bound), of which Qt 6.4 makes
+// no list highlight: those places are marked.
 Dialog {
     id: cameraSelectorDlg
 
@@ -62,7 +66,9 @@ Dialog {
         Label {
             anchors.centerIn: parent
             visible: !parent.hasPicture
-            font.family: fontAwesome.name
+            // qmllint disable unqualified
+            font.family: fontAwesome.name // the host's icon font, found by its id
+            // qmllint enable unqualified
             font.pixelSize: 24
             text: parent.glyph
         }
@@ -101,7 +107,7 @@ Dialog {
                 required property int index
                 readonly property var device: model.item
                 readonly property var transport: device.interface
-                readonly property var cameraInfo: cameraSelectorDlg.cameraSelector.cameraInfo
+                readonly property var cameraInfo: cameraSelectorDlg.cameraSelector.cameraInfo // qmllint disable unqualified
                 // A row disabled under the mouse may still say that it contains it.
                 readonly property bool hovered: enabled && deviceMouse.containsMouse
 
@@ -154,7 +160,8 @@ Dialog {
                     id: deviceMouse
                     anchors.fill: parent
                     hoverEnabled: true
-                    onClicked: deviceRow.ListView.view.chosen(deviceRow.index)
+                    // The view is a DeviceList, which qmllint cannot tell from ListView.view.
+                    onClicked: deviceRow.ListView.view.chosen(deviceRow.index) // qmllint disable type
                 }
                 ToolTip.visible: hovered && !device.canConnect
                 ToolTip.delay: 500
@@ -163,21 +170,22 @@ Dialog {
         }
     }
 
-    // A combo box that shows its names as they are, in the box and in its list. Its parts find
-    // the box through their parents, not through an id (see DeviceList).
+    // A combo box that shows its names as they are, in the box and in its list. Its text finds
+    // the box through its parent, not through an id (see DeviceList).
     component NameComboBox: ComboBox {
         contentItem: LineLabel {
             leftPadding: 8
             color: parent ? parent.palette.buttonText : "black"
-            text: parent ? parent.displayText : ""
+            text: parent ? (parent as ComboBox).displayText : ""
         }
         delegate: Component {
             ItemDelegate {
+                id: option
                 required property string modelData
                 width: ListView.view.width
                 highlighted: ListView.isCurrentItem
                 contentItem: LineLabel {
-                    text: parent ? parent.modelData : ""
+                    text: option.modelData
                 }
             }
         }
@@ -202,7 +210,7 @@ Dialog {
 
         function write(parameter, key, value) {
             parameter[key] = value
-            const camera = cameraSelectorDlg.cameraSelector.cameraInfo
+            const camera = cameraSelectorDlg.cameraSelector.cameraInfo // qmllint disable unqualified
             const twin = mirrored && camera ? camera.video.parameters.at(parameter.index) : null
             if (twin)
                 twin[key] = value
@@ -212,7 +220,8 @@ Dialog {
         height: contentHeight
         interactive: false
 
-        // Written out, as in DeviceList.
+        // Written out, as in DeviceList. The view is a ParameterList, which qmllint cannot tell
+        // from ListView.view.
         delegate: Component {
             Item {
                 id: parameterRow
@@ -246,7 +255,7 @@ Dialog {
                         anchors.fill: parent
                         selectByMouse: true
                         text: parameterRow.parameter.value
-                        onEditingFinished: parameterRow.ListView.view.write(parameterRow.parameter, "value", text)
+                        onEditingFinished: parameterRow.ListView.view.write(parameterRow.parameter, "value", text) // qmllint disable type
                     }
                     NameComboBox {
                         objectName: "valueCombo"
@@ -254,7 +263,7 @@ Dialog {
                         anchors.fill: parent
                         model: parameterRow.parameter.allowedValues
                         currentIndex: parameterRow.parameter.valueIndex
-                        onActivated: index => parameterRow.ListView.view.write(parameterRow.parameter, "valueIndex", index)
+                        onActivated: index => parameterRow.ListView.view.write(parameterRow.parameter, "valueIndex", index) // qmllint disable type
                     }
                 }
             }
@@ -266,7 +275,7 @@ Dialog {
     component ParameterMessage: LineLabel {
         property bool noDevice: false
         property int count: 0
-        readonly property var cameraInfo: cameraSelectorDlg.cameraSelector.cameraInfo
+        readonly property var cameraInfo: cameraSelectorDlg.cameraSelector.cameraInfo // qmllint disable unqualified
 
         width: parent.width
         height: 40
@@ -278,7 +287,7 @@ Dialog {
     // A camera property edited as text; numbers are converted by QML on the way back.
     component CameraField: TextField {
         property string key: ""
-        readonly property var cameraInfo: cameraSelectorDlg.cameraSelector.cameraInfo
+        readonly property var cameraInfo: cameraSelectorDlg.cameraSelector.cameraInfo // qmllint disable unqualified
 
         width: parent.width / 2
         height: 40
@@ -294,7 +303,7 @@ Dialog {
     component CameraCombo: NameComboBox {
         property string names: ""
         property string key: ""
-        readonly property var cameraInfo: cameraSelectorDlg.cameraSelector.cameraInfo
+        readonly property var cameraInfo: cameraSelectorDlg.cameraSelector.cameraInfo // qmllint disable unqualified
 
         width: parent.width / 2
         height: 40
@@ -350,7 +359,7 @@ Dialog {
                     readonly property var camera: model.item
 
                     objectName: "cameraRow"
-                    width: cameraList.width
+                    width: ListView.view.width
                     height: 40
                     color: cameraMouse.containsMouse && !ListView.isCurrentItem ? "#48484F" : "transparent"
 
@@ -380,7 +389,7 @@ Dialog {
                         id: cameraMouse
                         anchors.fill: parent
                         hoverEnabled: true
-                        onClicked: cameraSelectorDlg.cameraSelector.selectedCameraIndex = cameraRow.index
+                        onClicked: cameraSelectorDlg.cameraSelector.selectedCameraIndex = cameraRow.index // qmllint disable unqualified
                     }
                 }
             }
@@ -526,25 +535,27 @@ Dialog {
 
     footer: DialogButtonBox {
         // Each button acts through its own handler alone, and one role for all keeps them in
-        // this order whatever the platform's button layout.
+        // this order whatever the platform's button layout. The roles are DialogButtonBox's,
+        // declared by the platform dialog helper, where the qmllint of Qt 6.4 does not look:
+        // hence the directive on each role.
         DialogButtonBoxHelper.enabled: true
 
         Button {
             objectName: "cancelButton"
             text: qsTr("Cancel")
-            DialogButtonBox.buttonRole: DialogButtonBox.ActionRole
+            DialogButtonBox.buttonRole: DialogButtonBox.ActionRole // qmllint disable type
             onClicked: cameraSelectorDlg.close()
         }
         Button {
             objectName: "scanButton"
             text: qsTr("Scan")
-            DialogButtonBox.buttonRole: DialogButtonBox.ActionRole
+            DialogButtonBox.buttonRole: DialogButtonBox.ActionRole // qmllint disable type
             onClicked: cameraSelectorDlg.cameraSelector.scan()
         }
         Button {
             objectName: "connectButton"
             text: qsTr("Connect")
-            DialogButtonBox.buttonRole: DialogButtonBox.ActionRole
+            DialogButtonBox.buttonRole: DialogButtonBox.ActionRole // qmllint disable type
             onClicked: {
                 cameraSelectorDlg.accepted()
                 cameraSelectorDlg.close()

@@ -8,7 +8,7 @@ import kivcamuiEmulator 1.0
 Pane {
     id: panel
 
-    property QtObject cameraModel: null
+    property EmulatorControllerModel cameraModel: null
 
     implicitWidth: 760
     implicitHeight: 460
@@ -25,7 +25,9 @@ Pane {
         RowLayout {
             id: layout
 
-            readonly property QtObject camera: panel.cameraModel
+            // The panel's id, from the loaded component: qmllint of Qt 6.4 wants it bound to
+            // this file (pragma ComponentBehavior: Bound), which Qt 6.4 cannot load.
+            readonly property EmulatorControllerModel camera: panel.cameraModel // qmllint disable unqualified
             readonly property bool live: camera.connected
 
             spacing: 12

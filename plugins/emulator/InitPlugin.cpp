@@ -1,5 +1,5 @@
 // The entry of the sample controller UI plugin: it registers the creator of the emulated
-// cameras' panel, and the QML type that panel draws its live picture with.
+// cameras' panel, and the QML types of that panel: its model and its live picture.
 
 #include "EmulatorControllerModel.h"
 #include "FrameView.h"
@@ -30,6 +30,10 @@ bool createEmulatorPanel(
 extern "C" Q_DECL_EXPORT bool kivInitPlugin()
 {
     qmlRegisterType<FrameView>("kivcamuiEmulator", 1, 0, "FrameView");
+    // The panel's model, so that the panel can name its type.
+    qmlRegisterUncreatableType<EmulatorControllerModel>("kivcamuiEmulator", 1, 0,
+        "EmulatorControllerModel",
+        "EmulatorControllerModel is made by the controller model factory");
     // The creator stays registered for as long as the process runs, so this library must stay
     // loaded: it answers true even when the creator was registered before.
     controllerModelFactory()->RegisterCreator(createEmulatorPanel);

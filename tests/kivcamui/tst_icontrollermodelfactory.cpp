@@ -1,8 +1,9 @@
 // The controller UI plugin scan of controllerModelFactory(). It runs once per process in the
 // folder of the loaded libkivcamui.so, so each scenario gets a folder of its own holding a real
-// copy of the library and the scenario's files, and runs the scan host there, with that folder
-// first on LD_LIBRARY_PATH (the host's run path yields to it) and the scenario's
-// KIVCAMUI_WHITELIST and KIVCAMUI_BLACKLIST. The host reports what the scan did (see
+// copy of the library, laid out as installed (libkivcamui.so.1.0.0 with its links
+// libkivcamui.so.1 and libkivcamui.so), and the scenario's files, and runs the scan host there,
+// with that folder first on LD_LIBRARY_PATH (the host's run path yields to it) and the
+// scenario's KIVCAMUI_WHITELIST and KIVCAMUI_BLACKLIST. The host reports what the scan did (see
 // plugins/scanhost.cpp).
 
 #include <QCoreApplication>
@@ -38,6 +39,9 @@ const QString failing = QStringLiteral("libkivcamuiTestFailing.so");
 const QString noEntry = QStringLiteral("libkivcamuiTestNoEntry.so");
 const QString text = QStringLiteral("libkivcamuiTestText.so");
 const QString library = QStringLiteral("libkivcamui.so");
+// The library's file, and the link by which programs load it (its SONAME).
+const QString libraryFile = QStringLiteral("libkivcamui.so.1.0.0");
+const QString librarySoname = QStringLiteral("libkivcamui.so.1");
 const QString goodPanel = QStringLiteral("qrc:/kivcamuiTestGood/Panel.qml");
 
 // One of each kind, and a library whose name the scan does not look at.
@@ -100,7 +104,9 @@ private:
             QDir(QCoreApplication::applicationDirPath()).filePath("plugin-scan-XXXXXX"));
         QVERIFY(scratch.isValid());
         const QDir folder(scratch.path());
-        QVERIFY(QFile::copy(KIVCAMUI_LIBRARY, folder.filePath(library)));
+        QVERIFY(QFile::copy(KIVCAMUI_LIBRARY, folder.filePath(libraryFile)));
+        QVERIFY(QFile::link(folder.filePath(libraryFile), folder.filePath(librarySoname)));
+        QVERIFY(QFile::link(folder.filePath(librarySoname), folder.filePath(library)));
         for (const auto& [name, content] : files)
             QVERIFY2(place(folder, name, content), qPrintable(name));
 
@@ -138,11 +144,11 @@ private:
     }
 
     QStringList messages() const { return strings(m_report["messages"]); }
-    // The loaded files of the folder but the library itself, sorted.
+    // The loaded files of the folder but the library itself (by any of its names), sorted.
     QStringList loadedPlugins() const
     {
         QStringList loaded = strings(m_report["loaded"]);
-        loaded.removeAll(library);
+        loaded.removeIf([](const QString& name) { return name.startsWith(library); });
         loaded.sort();
         return loaded;
     }
@@ -199,6 +205,12 @@ private slots:
         QTest::newRow("blacklist of names with separators")
             << separated << QString() << a + ";" + b + "," + ab << QStringList{}
             << QStringList{a, ab, b} << goodPanel;
+
+        // Only names that end in ".so" are plugins: the library's versioned file and links, and
+        // those of any other versioned library, are not.
+        QTest::newRow("versioned names")
+            << Files{{good, GOOD}, {"libkivcamuiTestA.so.1", GOOD}} << QString() << QString()
+            << QStringList{} << QStringList{good} << goodPanel;
 
         const QString umlaut = QStringLiteral("libkivcamuiTest\u00c4.so");
         QTest::newRow("name outside ASCII")
