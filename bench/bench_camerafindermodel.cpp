@@ -1,5 +1,5 @@
-// What the camera finder model costs the GUI thread over a whole cycle (a search, its results in a
-// visible ListView, a second search started with the results on screen, its results), on
+// What the camera finder model costs the GUI thread over a whole cycle (a search started with
+// results on screen, its results in a visible ListView, a second search, its results), on
 // emulated worlds written for the purpose: a bare one, whose cameras have a control device
 // without parameters, and a rich one, whose cameras have a control and a video device of two
 // parameters each, one of them an enumeration; 1,000 and 10,000 cameras of each. It prints the

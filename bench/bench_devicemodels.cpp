@@ -1,5 +1,5 @@
-// What the two device discovery models cost the GUI thread over a whole cycle (a search, its
-// results in a visible ListView, a second search started with the results on screen, its
+// What the two device discovery models cost the GUI thread over a whole cycle (a search
+// started with results on screen, its results in a visible ListView, a second search, its
 // results), on emulated worlds written for the purpose: a transport that carries control and
 // video and one that carries control only, with half of the devices each; bare devices without
 // parameters, or rich ones with two parameters, one of them an enumeration; 1,000 and 10,000
