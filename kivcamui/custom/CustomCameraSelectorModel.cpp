@@ -99,18 +99,23 @@ void CustomCameraSelectorModel::scan()
 
 void CustomCameraSelectorModel::RemoveDevices()
 {
-    // Every device is in commDevices or videoDevices, and those of devices in both.
-    QList<QObject*> held;
+    // A device in devices is in the other two as well, and goes with devices; one that stands in
+    // commDevices or videoDevices alone is deleted here, once the views have seen the lists empty.
+    QList<QObject*> both;
+    for (int i = 0; i < m_devices.size(); ++i)
+        both.append(m_devices.at(i));
+    std::sort(both.begin(), both.end());
+    QList<QObject*> alone;
     for (const ObjectListModel* list : {&m_commDevices, &m_videoDevices}) {
-        for (int i = 0; i < list->size(); ++i)
-            held.append(list->at(i));
+        for (int i = 0; i < list->size(); ++i) {
+            if (!std::binary_search(both.cbegin(), both.cend(), list->at(i)))
+                alone.append(list->at(i));
+        }
     }
-    std::sort(held.begin(), held.end());
-    held.erase(std::unique(held.begin(), held.end()), held.end());
     m_commDevices.detachAll();
     m_videoDevices.detachAll();
-    m_devices.detachAll();
-    qDeleteAll(held);
+    m_devices.removeAll();
+    qDeleteAll(alone);
 }
 
 void CustomCameraSelectorModel::doneScanning()

@@ -126,7 +126,7 @@ private:
     bool SelectDevice(
         const ObjectListModel& list, int& stored, int index, bool inMode, DeviceWriter write);
     void ChangeIndex(int& stored, int index, void (CustomCameraSelectorModel::*changed)());
-    // Empties the device lists, announcing it, and deletes their objects.
+    // Empties the device lists, announcing it, and deletes their objects, each once.
     void RemoveDevices();
 
     CameraInfo* m_cameraInfo = nullptr;
