@@ -5,6 +5,8 @@
 // model's list, one whole cycle of searches, and a parent process that runs every configuration
 // in a child of its own (the emulator reads its world once per process).
 
+#include <kivui/ObjectListModel.h>
+
 #include <QEvent>
 #include <QEventLoop>
 #include <QGuiApplication>
@@ -14,10 +16,13 @@
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
 
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <functional>
 
@@ -165,6 +170,22 @@ inline void report(const char* model, const char* world, int count, const SFigur
     std::fflush(stdout);
 }
 
+// Shows the list of the model named listName in a window, runs a cycle, and reports it under
+// name; false when the window cannot be made or the list does not end with expected items.
+template <typename Model>
+bool measure(MeteredApplication& app, const char* name, Model& model, const ObjectListModel& list,
+    const QByteArray& listName, const QByteArray& row, int expected, const char* world, int count)
+{
+    QQmlApplicationEngine engine;
+    if (!showList(engine, &model, listName, row))
+        return false;
+    const SFigures figures = cycle(app, model);
+    if (list.size() != expected)
+        return false;
+    report(name, world, count, figures);
+    return true;
+}
+
 // The parent: runs this program three times per configuration, with the arguments "child", the
 // world's kind and the count, and prints the best of the three runs of each model: its longest
 // event, and its GUI thread's CPU time over the cycle, in all and per item. The marginal cost of
@@ -234,6 +255,25 @@ inline int runChildren(const QString& program, const char* things)
         std::fflush(stdout);
     }
     return 0;
+}
+
+// A benchmark's main: as a child (arguments "child", "bare" or "rich", and the count), the world
+// that writeWorld writes into a folder of its own is the emulator's, and measure() gives true when
+// all went well; as the parent, the children run.
+inline int main(int argc, char** argv, const char* things,
+    QString (*writeWorld)(const QTemporaryDir& folder, bool rich, int count),
+    const std::function<bool(MeteredApplication& app, const char* world, int count)>& measure)
+{
+    if (argc == 4 && std::strcmp(argv[1], "child") == 0) {
+        const int count = std::atoi(argv[3]);
+        QTemporaryDir folder;
+        qputenv("KIVCAM_EMULATOR_WORLD",
+            writeWorld(folder, std::strcmp(argv[2], "rich") == 0, count).toUtf8());
+        MeteredApplication app(argc, argv);
+        return measure(app, argv[2], count) ? 0 : 1;
+    }
+    QCoreApplication app(argc, argv);
+    return runChildren(QCoreApplication::applicationFilePath(), things);
 }
 
 } // namespace bench

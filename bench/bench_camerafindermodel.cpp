@@ -12,10 +12,7 @@
 #include <kivcamui/camera/CameraFinderModel.h>
 
 #include <QFile>
-#include <QTemporaryDir>
 #include <QTextStream>
-
-#include <cstring>
 
 namespace {
 
@@ -66,34 +63,19 @@ QString writeWorld(const QTemporaryDir& dir, bool rich, int cameras)
     return path;
 }
 
-int child(int argc, char** argv)
+bool measure(bench::MeteredApplication& app, const char* world, int count)
 {
-    const bool rich = std::strcmp(argv[2], "rich") == 0;
-    const int count = std::atoi(argv[3]);
-    QTemporaryDir dir;
-    qputenv("KIVCAM_EMULATOR_WORLD", writeWorld(dir, rich, count).toUtf8());
-    bench::MeteredApplication app(argc, argv);
-
     kiv::cam::ui::CameraFinderModel model;
     model.setEnableEmulators(true);
-    QQmlApplicationEngine engine;
-    if (!bench::showList(engine, &model, "cameras",
-            "item.identity + ' ' + item.serial + ' ' + item.userFriendlyInterfaceName + ' ' "
-            "+ item.comm.deviceName + ' ' + item.comm.parameters.size + ' ' + item.canConnect"))
-        return 1;
-    const bench::SFigures figures = bench::cycle(app, model);
-    if (model.cameras()->size() != count)
-        return 1;
-    bench::report("CameraFinderModel", argv[2], count, figures);
-    return 0;
+    return bench::measure(app, "CameraFinderModel", model, *model.cameras(), "cameras",
+        "item.identity + ' ' + item.serial + ' ' + item.userFriendlyInterfaceName + ' ' + "
+        "item.comm.deviceName + ' ' + item.comm.parameters.size + ' ' + item.canConnect",
+        count, world, count);
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (argc == 4 && std::strcmp(argv[1], "child") == 0)
-        return child(argc, argv);
-    QCoreApplication app(argc, argv);
-    return bench::runChildren(QCoreApplication::applicationFilePath(), "camera");
+    return bench::main(argc, argv, "camera", writeWorld, measure);
 }

@@ -13,10 +13,7 @@
 #include <kivcamui/device/DeviceFinderModel.h>
 
 #include <QFile>
-#include <QTemporaryDir>
 #include <QTextStream>
-
-#include <cstring>
 
 namespace {
 
@@ -54,49 +51,26 @@ QString writeWorld(const QTemporaryDir& dir, bool rich, int count)
     return path;
 }
 
-const QByteArray row
-    = "item.deviceName + ' ' + item.interfaceName + ' ' + item.parameters.size + ' ' + "
-      "item.isFound";
-
-int child(int argc, char** argv)
+bool measure(bench::MeteredApplication& app, const char* world, int count)
 {
-    const bool rich = std::strcmp(argv[2], "rich") == 0;
-    const int count = std::atoi(argv[3]);
-    QTemporaryDir dir;
-    qputenv("KIVCAM_EMULATOR_WORLD", writeWorld(dir, rich, count).toUtf8());
-    bench::MeteredApplication app(argc, argv);
-    {
-        DeviceFinderModel finder;
-        finder.setSupportedDevices({"Both", "Control"});
-        finder.setDefaultControl("COM7");
-        finder.setDefaultBaudRate(19200);
-        QQmlApplicationEngine engine;
-        if (!bench::showList(engine, &finder, "devices", row))
-            return 1;
-        const bench::SFigures figures = bench::cycle(app, finder);
-        if (finder.devices()->size() != count + 2)
-            return 1;
-        bench::report("DeviceFinderModel", argv[2], count, figures);
-    }
-    {
-        kiv::cam::ui::CustomCameraSelectorModel selector;
-        QQmlApplicationEngine engine;
-        if (!bench::showList(engine, &selector, "commDevices", row))
-            return 1;
-        const bench::SFigures figures = bench::cycle(app, selector);
-        if (selector.commDevices()->size() != count + 2)
-            return 1;
-        bench::report("CustomCameraSelectorModel", argv[2], count, figures);
-    }
-    return 0;
+    const QByteArray row = "item.deviceName + ' ' + item.interfaceName + ' ' + "
+                           "item.parameters.size + ' ' + item.isFound";
+    // Every device and the two placeholders.
+    const int listed = count + 2;
+    DeviceFinderModel finder;
+    finder.setSupportedDevices({"Both", "Control"});
+    finder.setDefaultControl("COM7");
+    finder.setDefaultBaudRate(19200);
+    kiv::cam::ui::CustomCameraSelectorModel selector;
+    return bench::measure(app, "DeviceFinderModel", finder, *finder.devices(), "devices", row,
+               listed, world, count)
+        && bench::measure(app, "CustomCameraSelectorModel", selector, *selector.commDevices(),
+            "commDevices", row, listed, world, count);
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (argc == 4 && std::strcmp(argv[1], "child") == 0)
-        return child(argc, argv);
-    QCoreApplication app(argc, argv);
-    return bench::runChildren(QCoreApplication::applicationFilePath(), "device");
+    return bench::main(argc, argv, "device", writeWorld, measure);
 }

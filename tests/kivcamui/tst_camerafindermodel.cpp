@@ -278,17 +278,7 @@ private slots:
         model.setEnableEmulators(true);
         QAbstractItemModelTester tester(
             model.cameras(), QAbstractItemModelTester::FailureReportingMode::QtTest);
-        connect(model.cameras(), &QAbstractItemModel::modelReset, this, [&] { order << "reset"; });
-        connect(model.cameras(), &QAbstractItemModel::rowsInserted, this,
-            [&](const QModelIndex&, int first, int last) {
-                order << QStringLiteral("rows %1-%2").arg(first).arg(last);
-            });
-        connect(&model, &CameraFinderModel::scanningChanged, this, [&] {
-            order << QStringLiteral("%1 with %2")
-                         .arg(model.scanning() ? "scanning" : "idle")
-                         .arg(model.cameras()->size());
-        });
-        connect(&model, &CameraFinderModel::scannedChanged, this, [&] { order << "scanned"; });
+        recordAnnouncements(model, *model.cameras(), order);
         QVERIFY(scanToEnd(model));
         QCOMPARE(order, (QStringList{"scanning with 0", "rows 0-3", "scanned", "idle with 4"}));
         order.clear();

@@ -195,17 +195,7 @@ private slots:
         model.setSupportedDevices({"Grabber", "ComPorts"});
         QAbstractItemModelTester tester(
             model.devices(), QAbstractItemModelTester::FailureReportingMode::QtTest);
-        connect(model.devices(), &QAbstractItemModel::modelReset, this, [&] { order << "reset"; });
-        connect(model.devices(), &QAbstractItemModel::rowsInserted, this,
-            [&](const QModelIndex&, int first, int last) {
-                order << QStringLiteral("rows %1-%2").arg(first).arg(last);
-            });
-        connect(&model, &DeviceFinderModel::scanningChanged, this, [&] {
-            order << QStringLiteral("%1 with %2")
-                         .arg(model.scanning() ? "scanning" : "idle")
-                         .arg(model.devices()->size());
-        });
-        connect(&model, &DeviceFinderModel::scannedChanged, this, [&] { order << "scanned"; });
+        recordAnnouncements(model, *model.devices(), order);
         QVERIFY(scanToEnd(model));
         // The devices found on the two transports and their two placeholders.
         QCOMPARE(order, (QStringList{"scanning with 0", "rows 0-6", "idle with 7", "scanned"}));
