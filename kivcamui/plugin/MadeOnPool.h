@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QJSEngine>
 #include <QList>
 #include <QObject>
 #include <QThread>
@@ -16,16 +15,12 @@ namespace kiv::cam::ui {
 template <typename T> class MadeOnPool {
 public:
     MadeOnPool() = default;
-    // Objects without parent, made on the calling thread; they are marked as the C++ side's, as
-    // the lists that show them mark them, and moved to thread. Marking them here spares the
-    // model's thread the QML engine's data of each object: the QML library has set itself up
-    // on the model's thread before, when the model marked its own lists.
+    // Objects without parent, made on the calling thread, and moved to thread. Nothing of the
+    // QML engine's is touched here: the lists that show the objects mark them on their thread.
     MadeOnPool(QList<T*> objects, QThread* thread) : m_objects(std::move(objects))
     {
-        for (T* object : std::as_const(m_objects)) {
-            QJSEngine::setObjectOwnership(object, QJSEngine::CppOwnership);
+        for (T* object : std::as_const(m_objects))
             object->moveToThread(thread);
-        }
     }
     ~MadeOnPool() { qDeleteAll(m_objects); }
     MadeOnPool(const MadeOnPool&) = delete;
