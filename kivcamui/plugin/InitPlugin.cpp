@@ -46,13 +46,17 @@ void kivcamuiInitPlugin()
 
     // The camera library makes its catalogues on their first use, reading the emulated world
     // among other things, which a large world makes long. Made now, on a thread of the pool,
-    // they are ready by the time the GUI thread first asks for one.
+    // they are ready by the time the GUI thread first asks for one. A catalogue that cannot be
+    // made now (too little memory) is made, or fails, at its first use, as it would have been.
     static std::once_flag catalogues;
     std::call_once(catalogues, [] {
         QThreadPool::globalInstance()->start([] {
-            kiv::cam::cameras();
-            kiv::cam::interfaces();
-            kiv::cam::controllerFactory();
+            try {
+                kiv::cam::cameras();
+                kiv::cam::interfaces();
+                kiv::cam::controllerFactory();
+            } catch (...) {
+            }
         });
     });
 }
