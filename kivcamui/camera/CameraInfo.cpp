@@ -34,7 +34,7 @@ CameraInfo::CameraInfo(std::shared_ptr<SCameraInfo> info, QObject* parent)
     emit userFriendlyInterfaceNameChanged();
 }
 
-std::unique_ptr<DeviceInfo> CameraInfo::makeDevice(SDeviceInfo& device) const
+std::unique_ptr<DeviceInfo> CameraInfo::MakeDevice(SDeviceInfo& device) const
 {
     return std::make_unique<DeviceInfo>(
         std::shared_ptr<SDeviceInfo>(m_info, &device), CParameters::EDIT_CUSTOM);
@@ -43,14 +43,14 @@ std::unique_ptr<DeviceInfo> CameraInfo::makeDevice(SDeviceInfo& device) const
 DeviceInfo* CameraInfo::comm()
 {
     if (!m_comm)
-        m_comm = makeDevice(m_info->comm);
+        m_comm = MakeDevice(m_info->comm);
     return m_comm.get();
 }
 
 DeviceInfo* CameraInfo::video()
 {
     if (!m_video)
-        m_video = makeDevice(m_info->video);
+        m_video = MakeDevice(m_info->video);
     return m_video.get();
 }
 

@@ -134,7 +134,7 @@ private:
     template <typename Field, typename Value>
     void update(Field& field, Value value, void (CameraInfo::*changed)());
     // A device of the record, at the level of found devices.
-    std::unique_ptr<DeviceInfo> makeDevice(SDeviceInfo& device) const;
+    std::unique_ptr<DeviceInfo> MakeDevice(SDeviceInfo& device) const;
 
     std::shared_ptr<SCameraInfo> m_info;
     // Made on the first read; destroyed before the record they edit.
