@@ -1,108 +1,81 @@
-// Two figures of the camera finder model, on an emulated world written for the purpose:
-//  (a) the time the GUI thread spends turning found cameras into CameraInfo objects in
-//      `cameras`, per camera, for 10,000 cameras;
-//  (b) the longest stall of the GUI event loop during a search whose emulated transport takes
-//      two seconds to answer, measured with a 1 ms timer.
-// Not a test: run it by hand, e.g.  QT_QPA_PLATFORM=offscreen build/bin/bench_camerafindermodel
+// What the camera finder model costs the GUI thread over a whole cycle (a search started with
+// results on screen, its results in a visible ListView, a second search, its results), on
+// emulated worlds written for the purpose: a bare one, whose cameras have a control device
+// without parameters, and a rich one, whose cameras have a control and a video device of two
+// parameters each, one of them an enumeration; 1,000 and 10,000 cameras of each. It prints the
+// longest event of the GUI thread and the GUI thread's own CPU time per camera, the best of three
+// runs.
+// Not a test: run it by hand, e.g.  build-release/bin/bench_camerafindermodel
+
+#include "GuiThreadMeter.h"
 
 #include <kivcamui/camera/CameraFinderModel.h>
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QTemporaryDir>
+#include <QFile>
 #include <QTextStream>
-#include <QTimer>
-
-#include <algorithm>
-#include <cstdio>
 
 namespace {
 
-constexpr int manyCameras = 10000;
+constexpr int camerasPerDevice = 100;
 
-// A fast transport with 10,000 cameras of type "Many", and a slow one with one camera of type
-// "Slow".
-QString writeWorld(const QTemporaryDir& dir)
+void writeParameters(QTextStream& out, int device)
+{
+    out << "<parameters><parameter name=\"Control\" type=\"string\" value=\"P" << device << "\"/>"
+        << "<parameter name=\"BaudRate\" type=\"enum\" value=\"9600\">"
+           "<item name=\"9600\" value=\"9600\"/><item name=\"19200\" value=\"19200\"/>"
+           "<item name=\"115200\" value=\"115200\"/></parameter></parameters>";
+}
+
+QString writeWorld(const QTemporaryDir& dir, bool rich, int cameras)
 {
     const QString path = dir.filePath("bench-world.xml");
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return {};
     QTextStream out(&file);
+    const int devices = cameras / camerasPerDevice;
     out << "<world><controller name=\"Generic\"/>\n"
-           "<cameraType name=\"Many\" iconName=\"Nova\" controller=\"Generic\"/>\n"
-           "<cameraType name=\"Slow\" iconName=\"Kelvin\" controller=\"Generic\"/>\n"
-           "<interface name=\"Fast\" icon=\"Emulator\" baseType=\"CamEmu\" comm=\"true\">\n";
-    for (int device = 0; device < manyCameras / 100; ++device) {
+           "<cameraType name=\"Many\" iconName=\"Nova\" controller=\"Generic\"/>\n";
+    if (rich) {
+        out << "<interface name=\"Grabbers\" icon=\"Emulator\" baseType=\"GrabEmu\" "
+               "video=\"true\">\n";
+        for (int device = 0; device < devices; ++device) {
+            out << "<device><deviceName>Grabber " << device << "</deviceName>";
+            writeParameters(out, device);
+            out << "</device>\n";
+        }
+        out << "</interface>\n";
+    }
+    out << "<interface name=\"Fast\" icon=\"Emulator\" baseType=\"CamEmu\" comm=\"true\">\n";
+    for (int device = 0; device < devices; ++device) {
         out << "<device><deviceName>Device " << device << "</deviceName>\n";
-        for (int camera = 0; camera < 100; ++camera)
-            out << "<camera type=\"Many\"><serial>" << device * 100 + camera
-                << "</serial></camera>\n";
+        if (rich)
+            writeParameters(out, device);
+        for (int camera = 0; camera < camerasPerDevice; ++camera) {
+            out << "<camera type=\"Many\"";
+            if (rich)
+                out << " video=\"Grabbers/Grabber " << device << "\"";
+            out << "><serial>" << device * camerasPerDevice + camera << "</serial></camera>\n";
+        }
         out << "</device>\n";
     }
-    out << "</interface>\n"
-           "<interface name=\"Slow\" icon=\"Emulator\" baseType=\"CamEmu\" comm=\"true\" "
-           "scanDelay=\"2000\"><device><deviceName>Slow 0</deviceName>"
-           "<camera type=\"Slow\"><serial>S</serial></camera></device></interface></world>\n";
+    out << "</interface></world>\n";
     return path;
 }
 
-void waitForEnd(kiv::cam::ui::CameraFinderModel& model)
+bool measure(bench::MeteredApplication& app, const char* world, int count)
 {
-    while (model.scanning())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    kiv::cam::ui::CameraFinderModel model;
+    model.setEnableEmulators(true);
+    return bench::measure(app, "CameraFinderModel", model, *model.cameras(), "cameras",
+        "item.identity + ' ' + item.serial + ' ' + item.userFriendlyInterfaceName + ' ' + "
+        "item.comm.deviceName + ' ' + item.comm.parameters.size + ' ' + item.canConnect",
+        count, world, count);
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    QTemporaryDir dir;
-    qputenv("KIVCAM_EMULATOR_WORLD", writeWorld(dir).toUtf8());
-    QCoreApplication app(argc, argv);
-
-    kiv::cam::ui::CameraFinderModel model;
-    model.setEnableEmulators(true);
-
-    // (b): the longest gap between ticks of a 1 ms timer while a slow search runs.
-    model.setSupportedCameras({"Slow"});
-    QTimer ticker;
-    ticker.setInterval(1);
-    QElapsedTimer sinceTick;
-    qint64 longest = 0;
-    QObject::connect(&ticker, &QTimer::timeout, [&] {
-        longest = std::max(longest, sinceTick.nsecsElapsed());
-        sinceTick.restart();
-    });
-    QElapsedTimer search;
-    search.start();
-    sinceTick.start();
-    ticker.start();
-    model.scan();
-    waitForEnd(model);
-    ticker.stop();
-    std::printf("(b) search of %.1f s: longest event-loop stall %.2f ms\n",
-        double(search.nsecsElapsed()) / 1e9, double(longest) / 1e6);
-
-    // (a): from the first camera in the list to the end of the search.
-    model.setSupportedCameras({"Many"});
-    QElapsedTimer conversion;
-    const auto firstCamera = QObject::connect(model.cameras(), &ObjectListModel::sizeChanged, [&] {
-        if (model.cameras()->size() == 1)
-            conversion.start();
-    });
-    qint64 converted = 0;
-    const auto end
-        = QObject::connect(&model, &kiv::cam::ui::CameraFinderModel::scanningChanged, [&] {
-              if (!model.scanning())
-                  converted = conversion.nsecsElapsed();
-          });
-    model.scan();
-    waitForEnd(model);
-    QObject::disconnect(firstCamera);
-    QObject::disconnect(end);
-    std::printf("(a) %d cameras into CameraInfo objects: %.1f us per camera on the GUI thread\n",
-        model.cameras()->size(), double(converted) / 1000.0 / manyCameras);
-
-    return 0;
+    return bench::main(argc, argv, "camera", writeWorld, measure);
 }

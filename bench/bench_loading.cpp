@@ -4,7 +4,11 @@
 //  (c) loading an emulator world file with one device of 1k, 10k and 100k parameters;
 //  (d) loading a camera description of 1k and 10k parameters from memory (100k parameters take
 //      more than the 4 MB a description may have, so they are measured through a world, whose
-//      bound is 32 MB, in (c)).
+//      bound is 32 MB, in (c));
+//  (e) loading a saved camera description of the usual size, from a file and from memory,
+//      against pugixml's own parse of the same text;
+//  (f) loading an emulator world of 10,000 cameras, each with a control and a video device of two
+//      parameters: what the first use of a catalogue costs the thread that makes it.
 // Not a test: run it by hand, e.g.  build/bin/bench_loading
 
 #include <kiv/CMemFile.h>
@@ -20,6 +24,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <pugixml.hpp>
 #include <string>
 #include <sys/resource.h>
 
@@ -91,6 +96,68 @@ bool loadDescription(std::string& text)
     file->Attach(reinterpret_cast<unsigned char*>(text.data()), text.size(), false);
     SCameraInfo camera;
     return camera.Load(TSharedPtr<IFile>(file));
+}
+
+// A camera as the camera finder reports it: control and video devices with a few parameters.
+SCameraInfo usualCamera()
+{
+    SCameraInfo camera;
+    camera.iconName = "Kelvin";
+    camera.name = "Kelvin640";
+    camera.displayName = "Kelvin 640";
+    camera.baseModel = "Kelvin";
+    camera.model = "Kelvin 640 LW";
+    camera.serial = "K640-0042";
+    camera.identity = "Bench camera";
+    camera.controller = "Thermal";
+    camera.reduceFilter = "Float32";
+    camera.vendor = "Trellmark Sensors";
+    camera.width = 640;
+    camera.height = 512;
+    camera.adBits = 14;
+    for (SDeviceInfo* device : {&camera.comm, &camera.video}) {
+        device->interfaceName = "EmuSerial";
+        device->deviceName = "COM1";
+        device->baseType = "Serial";
+        device->iconName = "Serial";
+        device->description = "On-board serial port";
+        device->parameters.Add({"Control", "Port", "The serial port to open",
+            CParameters::EDIT_ALWAYS, CVariant(CString("COM1"))});
+        TArray<CVariant::SEnumItem> rates;
+        for (const long long rate : {9600, 19200, 38400, 57600, 115200, 921600})
+            rates.add({CString(std::to_string(rate)), rate});
+        device->parameters.Add({"BaudRate", "Baud rate", "Serial line speed",
+            CParameters::EDIT_CUSTOM, CVariant::Enum(rates, 115200)});
+        device->parameters.Add({"Timeout", "Timeout", "Milliseconds to wait for an answer",
+            CParameters::EDIT_INTERNAL, CVariant(2500u)});
+        device->parameters.Add(
+            {"Gain", "Gain", "Analogue gain", CParameters::EDIT_ALWAYS, CVariant(1.5)});
+    }
+    return camera;
+}
+
+std::string richWorld(int cameras)
+{
+    const std::string parameters = "<parameters><parameter name=\"Control\" type=\"string\" "
+                                   "value=\"P\"/><parameter name=\"BaudRate\" type=\"enum\" "
+                                   "value=\"9600\"><item name=\"9600\" value=\"9600\"/>"
+                                   "<item name=\"19200\" value=\"19200\"/></parameter>"
+                                   "</parameters>";
+    std::string text = "<world><controller name=\"Generic\"/><cameraType name=\"Many\" "
+                       "controller=\"Generic\"/><interface name=\"Grabbers\" video=\"true\">";
+    const int devices = cameras / 100;
+    for (int device = 0; device < devices; ++device)
+        text += "<device><deviceName>G" + std::to_string(device) + "</deviceName>" + parameters
+            + "</device>";
+    text += "</interface><interface name=\"Fast\" comm=\"true\">";
+    for (int device = 0; device < devices; ++device) {
+        text += "<device><deviceName>D" + std::to_string(device) + "</deviceName>" + parameters;
+        for (int camera = 0; camera < 100; ++camera)
+            text += "<camera type=\"Many\" video=\"Grabbers/G" + std::to_string(device)
+                + "\"><serial>" + std::to_string(device * 100 + camera) + "</serial></camera>";
+        text += "</device>";
+    }
+    return text + "</interface></world>";
 }
 
 long peakMegabytes()
@@ -173,5 +240,51 @@ int main()
         row("description", count, text.size(), seconds);
     }
 
+    std::printf("(e) a saved camera description of the usual size, per load\n");
+    const QString saved = folder.filePath("camera.xml");
+    if (!usualCamera().Save(CStringW(saved.toStdWString().c_str())))
+        return 1;
+    QFile savedFile(saved);
+    if (!savedFile.open(QIODevice::ReadOnly))
+        return 1;
+    const QByteArray savedBytes = savedFile.readAll();
+    std::string usual(savedBytes.constData(), std::size_t(savedBytes.size()));
+    const CStringW savedPath(saved.toStdWString().c_str());
+    constexpr int loads = 2000;
+    bool usualLoaded = true;
+    const double fromFile = best([&] {
+        for (int i = 0; i < loads; ++i) {
+            SCameraInfo camera;
+            usualLoaded = usualLoaded && camera.Load(savedPath);
+        }
+    });
+    const double fromMemory = best([&] {
+        for (int i = 0; i < loads; ++i)
+            usualLoaded = usualLoaded && loadDescription(usual);
+    });
+    const double parseOnly = best([&] {
+        for (int i = 0; i < loads; ++i) {
+            std::string copy = usual;
+            pugi::xml_document document;
+            usualLoaded = usualLoaded && document.load_buffer_inplace(copy.data(), copy.size());
+        }
+    });
+    if (!usualLoaded)
+        return 1;
+    std::printf("%zu bytes: from a file %.1f us, from memory %.1f us, pugixml's parse %.1f us "
+                "(memory / parse %.2f)\n",
+        usual.size(), fromFile * 1e6 / loads, fromMemory * 1e6 / loads, parseOnly * 1e6 / loads,
+        fromMemory / parseOnly);
+
+    std::printf("(f) an emulator world of 10,000 cameras with devices of two parameters\n");
+    const std::string many = richWorld(10000);
+    bool manyLoaded = true;
+    const double manySeconds = best([&] {
+        const auto loadedWorld = CEmulatorWorld::Load(many.data(), many.size(), "rich");
+        manyLoaded = manyLoaded && loadedWorld->interfaces().count() == 2;
+    });
+    if (!manyLoaded)
+        return 1;
+    std::printf("world of %.1f MB: %.1f ms\n", double(many.size()) / (1 << 20), manySeconds * 1e3);
     return 0;
 }

@@ -115,6 +115,11 @@ SCameraInfo CCameraFinder::at(std::uint64_t index) const
     return m_cameras[static_cast<int>(index)];
 }
 
+TArray<SCameraInfo> CCameraFinder::Take()
+{
+    return std::move(m_cameras);
+}
+
 void CCameraFinder::setEnableEmulators(bool enable)
 {
     emulatorsEnabled = enable;

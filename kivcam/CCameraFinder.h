@@ -39,6 +39,8 @@ public:
     std::uint64_t size() const { return static_cast<std::uint64_t>(m_cameras.count()); }
     // The index-th camera found; throws kiv::COutOfRangeException beyond size().
     SCameraInfo at(std::uint64_t index) const;
+    // The cameras found, in their order, handed over without a copy; the finder is left empty.
+    TArray<SCameraInfo> Take();
 
     // Whether following searches, by any finder, include emulated cameras (off at start).
     //

@@ -52,24 +52,47 @@ bool CParameters::Exists(const CString& name) const
     return IndexOf(name) >= 0;
 }
 
-CParameters::CEntry& CParameters::Add(const CEntry& entry)
+CParameters::CEntry& CParameters::Add(CEntry entry)
 {
     if (const int index = IndexOf(entry.name); index >= 0) {
-        m_entries[index] = entry;
+        m_entries[index] = std::move(entry);
         return m_entries[index];
     }
-    m_index.assign(entry.name.view(), m_entries.count());
+    const int index = m_entries.count();
+    m_keys.add(entry.name);
     try {
-        return m_entries.add(entry);
+        if (index + 1 == indexedFrom) {
+            CNameIndex built;
+            for (int i = 0; i <= index; ++i)
+                built.assign(m_keys[i].view(), i);
+            m_entries.add(std::move(entry));
+            m_index = std::move(built);
+        } else {
+            if (index + 1 > indexedFrom)
+                m_index.assign(m_keys[index].view(), index);
+            m_entries.add(std::move(entry));
+        }
     } catch (...) {
-        m_index.erase(entry.name.view());
+        if (index + 1 > indexedFrom)
+            m_index.erase(m_keys[index].view());
+        m_keys.removeAt(index);
         throw;
     }
+    return m_entries[index];
 }
 
 int CParameters::IndexOf(const CString& name) const
 {
-    const int index = m_index.find(name.view());
+    int index = -1;
+    if (m_entries.count() >= indexedFrom) {
+        index = m_index.find(name.view());
+    } else {
+        // The last entry added under a name is the one it finds, as in the index.
+        for (int i = m_keys.count() - 1; i >= 0 && index < 0; --i) {
+            if (m_keys[i] == name)
+                index = i;
+        }
+    }
     // An entry renamed in place keeps its old key, which must not find it.
     return index >= 0 && m_entries[index].name == name ? index : -1;
 }

@@ -56,13 +56,19 @@ public:
 
     // Appends an entry, or replaces the entry of the same name in its place. Takes constant time
     // (amortised), so a collection of n entries is built in time proportional to n.
-    CEntry& Add(const CEntry& entry);
+    CEntry& Add(CEntry entry);
 
 private:
+    // From this many entries on, a collection finds its entries by name through a hash index;
+    // below, a look through the few names costs less than the index, and a copy of a small
+    // collection (a device record's) copies no index.
+    static constexpr int indexedFrom = 16;
+
     int IndexOf(const CString& name) const;
 
     TArray<CEntry> m_entries;
-    CNameIndex m_index;
+    TArray<CString> m_keys; // the name each entry was added under, in the entries' order
+    CNameIndex m_index; // the positions of the keys, once there are indexedFrom entries
 };
 
 } // namespace kiv::cam

@@ -34,7 +34,7 @@ bool loadText(std::string& text, SCameraInfo& camera)
     xml::SError error;
     if (!xml::ReadCamera(root, read, error))
         return false;
-    camera = read;
+    camera = std::move(read);
     return true;
 }
 

@@ -9,8 +9,11 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
+#include <limits>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 namespace kiv::cam::xml {
 
@@ -41,17 +44,23 @@ bool isXmlCharacter(char16_t unit)
                         : unit == '\t' || unit == '\n' || unit == '\r';
 }
 
-// The quick check of RepairText, for the usual text that needs nothing.
+// The quick check of RepairText, for the usual text that needs nothing: one pass over the bytes,
+// and Qt's check of the UTF-8 only for text that is not all ASCII.
 bool isXmlText(std::string_view text)
 {
+    bool ascii = true;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
-        if ((byte < 0x20 && !isXmlCharacter(byte))
-            || (byte == 0xEF
-                && (text.substr(i + 1, 2) == "\xBF\xBE" || text.substr(i + 1, 2) == "\xBF\xBF")))
+        if (byte < 0x20 && !isXmlCharacter(byte))
+            return false;
+        if (byte < 0x80)
+            continue;
+        ascii = false;
+        if (byte == 0xEF
+            && (text.substr(i + 1, 2) == "\xBF\xBE" || text.substr(i + 1, 2) == "\xBF\xBF"))
             return false;
     }
-    return QByteArrayView(text.data(), static_cast<qsizetype>(text.size())).isValidUtf8();
+    return ascii || QByteArrayView(text.data(), static_cast<qsizetype>(text.size())).isValidUtf8();
 }
 
 // The text of an attribute, repaired.
@@ -130,8 +139,53 @@ template <typename T> constexpr CVariant::EType numberType()
         return CVariant::TYPE_UINT16;
     else if constexpr (std::is_same_v<T, std::uint32_t>)
         return CVariant::TYPE_UINT32;
+    else if constexpr (std::is_same_v<T, long long>)
+        return CVariant::TYPE_INT64;
     else
         return CVariant::TYPE_INT32;
+}
+
+// The texts that files hold almost always, read without CVariant: the words true and false, and
+// decimal digits few enough to fit the type whatever they are. False for any other text.
+bool readPlain(const char* source, bool& value)
+{
+    const std::string_view text(source);
+    if (text != "true" && text != "false")
+        return false;
+    value = text == "true";
+    return true;
+}
+
+template <typename Number> bool readPlain(const char* source, Number& value)
+{
+    constexpr int fitting = std::numeric_limits<Number>::digits10;
+    unsigned long long magnitude = 0;
+    int digits = 0;
+    for (; source[digits] >= '0' && source[digits] <= '9'; ++digits) {
+        if (digits == fitting)
+            return false;
+        magnitude = magnitude * 10 + static_cast<unsigned>(source[digits] - '0');
+    }
+    if (digits == 0 || source[digits] != '\0')
+        return false;
+    value = static_cast<Number>(magnitude);
+    return true;
+}
+
+// Reads a whole number or a flag; what readPlain does not read, CVariant does, checking the text
+// and the type's range (signs, hexadecimal, spaces, letter case). Both read a text alike.
+template <typename Number> bool readNumber(const char* source, Number& value)
+{
+    if (readPlain(source, value))
+        return true;
+    CVariant number;
+    if (!parseNumber(source, numberType<Number>(), number))
+        return false;
+    if constexpr (std::is_same_v<Number, bool>)
+        value = number.ToBool();
+    else
+        value = static_cast<Number>(number.ToInt64());
+    return true;
 }
 
 struct SWriter {
@@ -167,15 +221,77 @@ struct SWriter {
     }
 };
 
+// The named children of an element, listed in one pass over them and found by name with a
+// comparison of lengths first: a record's reader asks for each of its fields, and pugixml's own
+// lookup compares the whole name of every child before it, for every field.
+class CChildren {
+public:
+    explicit CChildren(pugi::xml_node element)
+    {
+        const auto children = element.children();
+        m_children.reserve(
+            static_cast<std::size_t>(std::distance(children.begin(), children.end())));
+        for (const pugi::xml_node child : children) {
+            if (*child.name())
+                m_children.push_back({child.name(), child});
+        }
+    }
+
+    // The first child of that name, as pugi::xml_node::child gives it; null when none.
+    pugi::xml_node find(std::string_view name) const
+    {
+        for (const SChild& child : m_children) {
+            if (child.name == name)
+                return child.node;
+        }
+        return {};
+    }
+
+private:
+    struct SChild {
+        std::string_view name;
+        pugi::xml_node node;
+    };
+    std::vector<SChild> m_children;
+};
+
+// The attributes of a <parameter>, found in one pass over them; the first of a name counts, as
+// with pugi::xml_node::attribute.
+struct SParameterAttributes {
+    pugi::xml_attribute name;
+    pugi::xml_attribute displayName;
+    pugi::xml_attribute description;
+    pugi::xml_attribute editLevel;
+    pugi::xml_attribute type;
+    pugi::xml_attribute value;
+
+    explicit SParameterAttributes(pugi::xml_node node)
+    {
+        for (const pugi::xml_attribute attribute : node.attributes()) {
+            const std::string_view key = attribute.name();
+            pugi::xml_attribute* slot = key == "name" ? &name
+                : key == "displayName"                ? &displayName
+                : key == "description"                ? &description
+                : key == "editLevel"                  ? &editLevel
+                : key == "type"                       ? &type
+                : key == "value"                      ? &value
+                                                      : nullptr;
+            if (slot && !*slot)
+                *slot = attribute;
+        }
+    }
+};
+
 struct SReader {
     pugi::xml_node parent;
     SError& error;
+    CChildren children{parent};
     bool ok = true;
 
     // The child element of that name, or null when the record keeps its field as it is.
     pugi::xml_node find(const char* name) const
     {
-        return ok ? parent.child(name) : pugi::xml_node();
+        return ok ? children.find(name) : pugi::xml_node();
     }
 
     void operator()(const char* name, CString& value)
@@ -226,34 +342,25 @@ struct SReader {
         std::int32_t value = dataType;
         (*this)(name, value);
         if (ok && (value < DATA_TYPE_UNKNOWN || value > DATA_TYPE_FLOAT64))
-            ok = fail(error, parent.child(name), "unknown data type");
+            ok = fail(error, children.find(name), "unknown data type");
         else if (ok)
             dataType = static_cast<EDataType>(value);
     }
     template <typename Number> void operator()(const char* name, Number& value)
     {
         const pugi::xml_node node = find(name);
-        if (!node)
-            return;
-        CVariant number;
-        if (!parseNumber(node.text().get(), numberType<Number>(), number))
+        if (node && !readNumber(node.text().get(), value))
             ok = fail(error, node, std::string("malformed value \"") + node.text().get() + "\"");
-        else if constexpr (std::is_same_v<Number, bool>)
-            value = number.ToBool();
-        else
-            value = static_cast<Number>(number.ToInt64());
     }
 };
 
-// Reads into a copy, so that a record is either read whole or left as it was.
+// Reads in place: a record is not copied to be restored on failure, since every reader drops a
+// record it could not read whole.
 template <typename Record, typename Visit>
 bool readRecord(pugi::xml_node element, Record& record, SError& error, Visit visit)
 {
-    Record read = record;
     SReader reader{element, error};
-    visit(read, reader);
-    if (reader.ok)
-        record = read;
+    visit(record, reader);
     return reader.ok;
 }
 
@@ -311,10 +418,11 @@ bool ReadParameters(pugi::xml_node element, CParameters& parameters, SError& err
 {
     CParameters read;
     for (const pugi::xml_node node : element.children("parameter")) {
-        const CString name = text(node.attribute("name"));
+        const SParameterAttributes attributes(node);
+        CString name = text(attributes.name);
         if (name.empty())
             return fail(error, node, "parameter without a name");
-        const char* typeName = node.attribute("type").value();
+        const std::string_view typeName = attributes.type.value();
         CVariant::EType type = CVariant::TYPE_EMPTY;
         bool known = false;
         for (const auto& [candidate, candidateType] : typeNames) {
@@ -324,13 +432,12 @@ bool ReadParameters(pugi::xml_node element, CParameters& parameters, SError& err
             }
         }
         if (!known)
-            return fail(error, node, std::string("unknown parameter type \"") + typeName + "\"");
-        CVariant level(CVariant::TYPE_INT32);
-        if (const pugi::xml_attribute source = node.attribute("editLevel");
-            source && !parseNumber(source.value(), CVariant::TYPE_INT32, level))
+            return fail(error, node, "unknown parameter type \"" + std::string(typeName) + "\"");
+        int editLevel = CParameters::EDIT_ALWAYS;
+        if (const pugi::xml_attribute source = attributes.editLevel;
+            source && !readNumber(source.value(), editLevel))
             return fail(
                 error, node, std::string("malformed edit level \"") + source.value() + "\"");
-        const int editLevel = static_cast<int>(level.ToInt64());
         if (editLevel < CParameters::EDIT_ALWAYS || editLevel > CParameters::EDIT_NEVER)
             return fail(error, node, "edit level outside 0 to 4");
 
@@ -338,24 +445,25 @@ bool ReadParameters(pugi::xml_node element, CParameters& parameters, SError& err
         if (type == CVariant::TYPE_ENUM) {
             TArray<CVariant::SEnumItem> items;
             for (const pugi::xml_node item : node.children("item")) {
-                CVariant itemValue;
-                if (!parseNumber(item.attribute("value").value(), CVariant::TYPE_INT64, itemValue))
+                long long itemValue = 0;
+                if (!readNumber(item.attribute("value").value(), itemValue))
                     return fail(error, item, "enumeration item without a whole-number value");
-                items.add({text(item.attribute("name")), itemValue.ToInt64()});
+                items.add({text(item.attribute("name")), itemValue});
             }
             if (items.empty())
                 return fail(error, node, "enumeration without items");
             value = CVariant::Enum(items, items[0].value);
         }
-        if (const pugi::xml_attribute source = node.attribute("value");
+        if (const pugi::xml_attribute source = attributes.value;
             source && type != CVariant::TYPE_EMPTY && !value.Assign(CVariant(text(source)))) {
             return fail(error, node,
-                std::string("value \"") + source.value() + "\" does not fit type " + typeName);
+                std::string("value \"") + source.value() + "\" does not fit type "
+                    + std::string(typeName));
         }
-        read.Add({name, text(node.attribute("displayName")), text(node.attribute("description")),
-            static_cast<CParameters::EEditLevel>(editLevel), value});
+        read.Add({std::move(name), text(attributes.displayName), text(attributes.description),
+            static_cast<CParameters::EEditLevel>(editLevel), std::move(value)});
     }
-    parameters = read;
+    parameters = std::move(read);
     return true;
 }
 

@@ -32,7 +32,8 @@ void WriteDevice(pugi::xml_node element, const SDeviceInfo& device);
 void WriteCamera(pugi::xml_node element, const SCameraInfo& camera);
 
 // Each Read* sets the fields that the element holds and leaves the others as they are; unknown
-// elements and attributes are ignored. On a malformed value it gives false and fills error.
+// elements and attributes are ignored. On a malformed value it gives false and fills error, and
+// the record, read in part, is to be dropped (ReadParameters leaves the collection as it was).
 bool ReadParameters(pugi::xml_node element, CParameters& parameters, SError& error);
 bool ReadDevice(pugi::xml_node element, SDeviceInfo& device, SError& error);
 bool ReadCamera(pugi::xml_node element, SCameraInfo& camera, SError& error);

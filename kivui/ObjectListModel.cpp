@@ -9,19 +9,30 @@ ObjectListModel::ObjectListModel(bool owning, QObject* parent)
 
 ObjectListModel::~ObjectListModel()
 {
-    const QList<QObject*> items = takeAll();
+    const QList<QObject*> items = takeAll(m_owning);
     if (m_owning)
         qDeleteAll(items);
 }
 
 void ObjectListModel::push_back(QObject* item)
 {
-    if (!item)
+    append({item});
+}
+
+void ObjectListModel::append(const QList<QObject*>& items)
+{
+    const qsizetype added = items.size() - items.count(nullptr);
+    if (added == 0)
         return;
-    QJSEngine::setObjectOwnership(item, QJSEngine::CppOwnership);
-    connect(item, &QObject::destroyed, this, &ObjectListModel::itemDestroyed);
-    beginInsertRows(QModelIndex(), m_items.size(), m_items.size());
-    m_items.append(item);
+    beginInsertRows(QModelIndex(), m_items.size(), m_items.size() + added - 1);
+    m_items.reserve(m_items.size() + added);
+    for (QObject* item : items) {
+        if (!item)
+            continue;
+        QJSEngine::setObjectOwnership(item, QJSEngine::CppOwnership);
+        connect(item, &QObject::destroyed, this, &ObjectListModel::itemDestroyed);
+        m_items.append(item);
+    }
     endInsertRows();
     emit sizeChanged();
 }
@@ -38,24 +49,27 @@ int ObjectListModel::size() const
 
 void ObjectListModel::removeAll()
 {
-    const QList<QObject*> items = takeAll();
+    const QList<QObject*> items = takeAll(m_owning);
     if (m_owning)
         qDeleteAll(items);
 }
 
 void ObjectListModel::detachAll()
 {
-    takeAll();
+    takeAll(false);
 }
 
-QList<QObject*> ObjectListModel::takeAll()
+QList<QObject*> ObjectListModel::takeAll(bool deleting)
 {
     if (m_items.isEmpty())
         return {};
     beginResetModel();
     const QList<QObject*> items = std::exchange(m_items, {});
-    for (QObject* item : items)
-        disconnect(item, &QObject::destroyed, this, &ObjectListModel::itemDestroyed);
+    // An item deleted while still watched finds itself no longer listed.
+    if (!deleting) {
+        for (QObject* item : items)
+            disconnect(item, &QObject::destroyed, this, &ObjectListModel::itemDestroyed);
+    }
     endResetModel();
     emit sizeChanged();
     return items;

@@ -21,6 +21,10 @@ public:
 
     // Appends an item. The QML engine never takes ownership of it, whatever its parent.
     void push_back(QObject* item);
+    // Appends items, in their order, as push_back would one by one, but announces them as one
+    // block of rows and the size once: a view bound to the list reacts once, however many
+    // there are. Null items are left out; nothing is announced when none is left.
+    void append(const QList<QObject*>& items);
     // The item at index, or null outside [0, size()).
     Q_INVOKABLE QObject* at(int index) const;
     int size() const;
@@ -35,8 +39,9 @@ signals:
     void sizeChanged();
 
 private:
-    // Empties the list and gives back what it held.
-    QList<QObject*> takeAll();
+    // Empties the list and gives back what it held; the items are watched no longer unless they
+    // are about to be deleted (which ends the watch by itself, and sooner).
+    QList<QObject*> takeAll(bool deleting);
     void itemDestroyed(QObject* item);
 
     QList<QObject*> m_items;

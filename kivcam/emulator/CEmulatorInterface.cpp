@@ -66,6 +66,11 @@ void CEmulatorInterface::addCamera(SEmulatedCamera camera)
     m_cameras.add(std::move(camera));
 }
 
+void CEmulatorInterface::reserveCameras(int count)
+{
+    m_cameras.reserve(count);
+}
+
 const SEmulatedDevice* CEmulatorInterface::device(const CString& deviceName) const
 {
     const int position = m_deviceIndex.find(deviceName.view());

@@ -42,6 +42,8 @@ public:
     // Adds a device, completed, unless the transport has a device of that name; false then.
     bool addDevice(SEmulatedDevice device);
     void addCamera(SEmulatedCamera camera);
+    // Makes room for count cameras in all, so that adding them moves none.
+    void reserveCameras(int count);
 
     const TArray<SEmulatedDevice>& devices() const { return *m_devices; }
     const SEmulatedDevice* device(const CString& deviceName) const;

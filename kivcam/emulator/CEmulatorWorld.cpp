@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <iterator>
 #include <new>
 #include <string>
 #include <string_view>
@@ -228,9 +229,15 @@ private:
 
     bool readCameras(pugi::xml_node node, CEmulatorInterface& transport)
     {
+        int count = 0;
+        for (const pugi::xml_node deviceNode : node.children("device")) {
+            const auto cameras = deviceNode.children("camera");
+            count += static_cast<int>(std::distance(cameras.begin(), cameras.end()));
+        }
+        transport.reserveCameras(count);
         int index = 0;
         for (const pugi::xml_node deviceNode : node.children("device")) {
-            const SDeviceInfo comm = transport.devices()[index++].info;
+            const SDeviceInfo& comm = transport.devices()[index++].info;
             for (const pugi::xml_node cameraNode : deviceNode.children("camera")) {
                 if (!readAttachedCamera(cameraNode, transport, comm))
                     return false;
@@ -254,7 +261,7 @@ private:
         camera.info.name = type->name;
         camera.info.comm = comm;
         camera.info.emulated = transport.isEmulator;
-        transport.addCamera(camera);
+        transport.addCamera(std::move(camera));
         return true;
     }
 

@@ -2,6 +2,7 @@
 
 #include <kiv/CMemFile.h>
 #include <kivcamui/plugin/Conversions.h>
+#include <kivcamui/plugin/ReleasedOnPool.h>
 
 #include <QJSEngine>
 #include <QThreadPool>
@@ -11,7 +12,7 @@ namespace kiv::cam::ui {
 
 CameraFinderModel::CameraFinderModel(QObject* parent) : QObject(parent)
 {
-    connect(&m_watcher, &QFutureWatcher<bool>::finished, this, &CameraFinderModel::doneScanning);
+    connect(&m_watcher, &QFutureWatcher<Found>::finished, this, &CameraFinderModel::doneScanning);
     QJSEngine::setObjectOwnership(&m_cameras, QJSEngine::CppOwnership);
     // Any content turns emulators on, "0" included: only the variable's presence counts.
     if (!qEnvironmentVariableIsEmpty("KIVCAM_ENABLE_EMULATORS"))
@@ -66,24 +67,47 @@ void CameraFinderModel::scan()
     // The emulator switch is set on the pool thread right before the search, which uses the
     // value set on its own thread: another model searching at the same time cannot change it.
     m_watcher.setFuture(QtConcurrent::run(QThreadPool::globalInstance(),
-        [search = m_search, names = std::move(names), stop = m_stop.get_token()]() mutable {
+        [search = m_search, names = std::move(names), stop = m_stop.get_token(),
+            thread = thread()]() mutable {
             CCameraFinder::setEnableEmulators(search->enableEmulators);
             const unsigned flags
                 = (search->commOnly ? CCameraFinder::FIND_COMM : CCameraFinder::FIND_COMPLETE)
                 | (search->emulatorsOnly ? CCameraFinder::FIND_EMULATORS_ONLY : 0u);
-            return names.empty() ? search->finder.Find(flags, stop)
-                                 : search->finder.Find(std::move(names), flags, stop);
+            const bool found = names.empty() ? search->finder.Find(flags, stop)
+                                             : search->finder.Find(std::move(names), flags, stop);
+            if (!found || stop.stop_requested())
+                return std::make_shared<MadeOnPool<CameraInfo>>();
+            return std::make_shared<MadeOnPool<CameraInfo>>(
+                MakeCameras(search->finder.Take()), thread);
         }));
+}
+
+QList<CameraInfo*> CameraFinderModel::MakeCameras(TArray<SCameraInfo> found)
+{
+    QList<CameraInfo*> cameras;
+    try {
+        const std::shared_ptr<TArray<SCameraInfo>> records = ShareReleasedOnPool(std::move(found));
+        cameras.reserve(records->count());
+        for (SCameraInfo& record : *records)
+            cameras.append(new CameraInfo(std::shared_ptr<SCameraInfo>(records, &record), nullptr));
+    } catch (...) {
+        // Without the memory for them, the cameras are not listed.
+        qDeleteAll(cameras);
+        return {};
+    }
+    return cameras;
 }
 
 void CameraFinderModel::doneScanning()
 {
     m_cameras.removeAll();
-    if (m_watcher.future().result()) {
-        const CCameraFinder& finder = m_search->finder;
-        for (std::uint64_t i = 0; i < finder.size(); ++i)
-            m_cameras.push_back(new CameraInfo(finder.at(i), this));
-    }
+    // Without a result when the task could not run.
+    const QFuture<Found> future = m_watcher.future();
+    const QList<CameraInfo*> cameras
+        = future.resultCount() > 0 ? future.result()->Take() : QList<CameraInfo*>();
+    for (CameraInfo* camera : cameras)
+        camera->setParent(this);
+    m_cameras.append(QList<QObject*>(cameras.cbegin(), cameras.cend()));
     m_scanning = false;
     if (!m_scanned) {
         m_scanned = true;

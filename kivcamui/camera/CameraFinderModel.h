@@ -3,6 +3,7 @@
 #include <kivcam/CCameraFinder.h>
 #include <kivcamui/camera/CameraInfo.h>
 #include <kivcamui/kivcamui_export.h>
+#include <kivcamui/plugin/MadeOnPool.h>
 #include <kivui/ObjectListModel.h>
 
 #include <QFutureWatcher>
@@ -17,6 +18,10 @@ namespace kiv::cam::ui {
 
 // Searches for connected cameras on a thread of Qt's global pool and lists what it found as
 // CameraInfo objects; also turns a description file, or its XML text, into a CameraInfo.
+//
+// The search task also makes the CameraInfo objects, over the found records (moved, never
+// copied), and moves them to the model's thread, which only adopts them and lists them in one
+// insertion.
 class KIVCAMUI_EXPORT CameraFinderModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(ObjectListModel* cameras READ cameras CONSTANT)
@@ -73,7 +78,13 @@ private:
         std::atomic<bool> commOnly{true};
     };
 
-    QFutureWatcher<bool> m_watcher;
+    using Found = std::shared_ptr<MadeOnPool<CameraInfo>>;
+
+    // One object per record, sharing the records, which are freed off the GUI thread once the
+    // last of them is gone.
+    static QList<CameraInfo*> MakeCameras(TArray<SCameraInfo> records);
+
+    QFutureWatcher<Found> m_watcher;
     std::shared_ptr<SSearch> m_search = std::make_shared<SSearch>();
     std::stop_source m_stop; // of the running search
     ObjectListModel m_cameras{true};

@@ -21,19 +21,41 @@ QStringList toStringList(const TArray<CString>& texts)
 } // namespace
 
 CameraInfo::CameraInfo(const SCameraInfo& info, QObject* parent)
-    : QObject(parent),
-      m_info(info),
-      m_comm(0, m_info.comm, CParameters::EDIT_CUSTOM),
-      m_video(0, m_info.video, CParameters::EDIT_CUSTOM)
+    : CameraInfo(std::make_shared<SCameraInfo>(info), parent)
 {
-    m_userFriendlyInterfaceName = generateUserFriendlyInterfaceName(&m_comm);
+}
+
+CameraInfo::CameraInfo(std::shared_ptr<SCameraInfo> info, QObject* parent)
+    : QObject(parent), m_info(std::move(info))
+{
+    m_userFriendlyInterfaceName
+        = generateUserFriendlyInterfaceName(DeviceInfo::BaseTypeOf(m_info->comm));
     // Nobody is connected yet; kept so that the name's signal is honest about every change.
     emit userFriendlyInterfaceNameChanged();
 }
 
-QString CameraInfo::generateUserFriendlyInterfaceName(DeviceInfo* device)
+std::unique_ptr<DeviceInfo> CameraInfo::MakeDevice(SDeviceInfo& device) const
 {
-    const QString baseType = device->baseType();
+    return std::make_unique<DeviceInfo>(
+        std::shared_ptr<SDeviceInfo>(m_info, &device), CParameters::EDIT_CUSTOM);
+}
+
+DeviceInfo* CameraInfo::comm()
+{
+    if (!m_comm)
+        m_comm = MakeDevice(m_info->comm);
+    return m_comm.get();
+}
+
+DeviceInfo* CameraInfo::video()
+{
+    if (!m_video)
+        m_video = MakeDevice(m_info->video);
+    return m_video.get();
+}
+
+QString CameraInfo::generateUserFriendlyInterfaceName(const QString& baseType)
+{
     for (const char* gigE : {"PureGEV", "GEV", "GigE-Vision", "PgrGenTL"}) {
         if (baseType.compare(QLatin1String(gigE), Qt::CaseInsensitive) == 0)
             return QStringLiteral("GigE");
@@ -51,56 +73,56 @@ QString CameraInfo::generateUserFriendlyInterfaceName(DeviceInfo* device)
 
 QString CameraInfo::model() const
 {
-    return toQString(m_info.model);
+    return toQString(m_info->model);
 }
 
 QString CameraInfo::serial() const
 {
-    return toQString(m_info.serial);
+    return toQString(m_info->serial);
 }
 
 QString CameraInfo::identity() const
 {
-    return toQString(m_info.identity);
+    return toQString(m_info->identity);
 }
 
 void CameraInfo::setIdentity(const QString& identity)
 {
     if (identity == this->identity())
         return;
-    m_info.identity = toCString(identity);
+    m_info->identity = toCString(identity);
     emit identityChanged();
 }
 
 QString CameraInfo::icon() const
 {
-    return iconUrl(m_info.iconName);
+    return iconUrl(m_info->iconName);
 }
 
 bool CameraInfo::iconExists() const
 {
-    return ui::iconExists(m_info.iconName);
+    return ui::iconExists(m_info->iconName);
 }
 
 QString CameraInfo::name() const
 {
-    return toQString(m_info.name);
+    return toQString(m_info->name);
 }
 
 QString CameraInfo::displayName() const
 {
-    return toQString(m_info.displayName);
+    return toQString(m_info->displayName);
 }
 
 QString CameraInfo::baseModel() const
 {
-    return toQString(m_info.baseModel);
+    return toQString(m_info->baseModel);
 }
 
 CameraModel* CameraInfo::camera()
 {
     if (!m_camera)
-        m_camera = new CameraModel(cameras()->cameraByName(m_info.name), this);
+        m_camera = new CameraModel(cameras()->cameraByName(m_info->name), this);
     return m_camera;
 }
 
@@ -116,51 +138,51 @@ void CameraInfo::update(Field& field, Value value, void (CameraInfo::*changed)()
 
 void CameraInfo::setWidth(ushort width)
 {
-    update(m_info.width, width, &CameraInfo::widthChanged);
+    update(m_info->width, width, &CameraInfo::widthChanged);
 }
 
 void CameraInfo::setHeight(ushort height)
 {
-    update(m_info.height, height, &CameraInfo::heightChanged);
+    update(m_info->height, height, &CameraInfo::heightChanged);
 }
 
 void CameraInfo::setCropLeft(ushort crop)
 {
-    update(m_info.cropLeft, crop, &CameraInfo::cropLeftChanged);
+    update(m_info->cropLeft, crop, &CameraInfo::cropLeftChanged);
 }
 
 void CameraInfo::setCropTop(ushort crop)
 {
-    update(m_info.cropTop, crop, &CameraInfo::cropTopChanged);
+    update(m_info->cropTop, crop, &CameraInfo::cropTopChanged);
 }
 
 void CameraInfo::setCropRight(ushort crop)
 {
-    update(m_info.cropRight, crop, &CameraInfo::cropRightChanged);
+    update(m_info->cropRight, crop, &CameraInfo::cropRightChanged);
 }
 
 void CameraInfo::setCropBottom(ushort crop)
 {
-    update(m_info.cropBottom, crop, &CameraInfo::cropBottomChanged);
+    update(m_info->cropBottom, crop, &CameraInfo::cropBottomChanged);
 }
 
 void CameraInfo::setADBits(int bits)
 {
-    if (bits == m_info.adBits)
+    if (bits == m_info->adBits)
         return;
-    m_info.adBits = bits;
-    m_info.adMask = 0xFFFFu >> ((16u - static_cast<unsigned>(bits)) & 31u);
+    m_info->adBits = bits;
+    m_info->adMask = 0xFFFFu >> ((16u - static_cast<unsigned>(bits)) & 31u);
     emit adBitsChanged();
 }
 
 void CameraInfo::setADBitShift(int shift)
 {
-    update(m_info.adBitShift, shift, &CameraInfo::adBitShiftChanged);
+    update(m_info->adBitShift, shift, &CameraInfo::adBitShiftChanged);
 }
 
 QString CameraInfo::pixelTypeName() const
 {
-    return toQString(PixelTypeToString(m_info.pixelType));
+    return toQString(PixelTypeToString(m_info->pixelType));
 }
 
 QStringList CameraInfo::pixelTypeNames() const
@@ -180,22 +202,22 @@ void CameraInfo::setPixelTypeIndex(int index)
     const QStringList names = pixelTypeNames();
     if (index < 0 || index >= names.size() || index == names.indexOf(pixelTypeName()))
         return;
-    m_info.pixelType = ParsePixelType(toCString(names.at(index)));
-    m_info.dataType = PixelTypeToDataType(m_info.pixelType);
-    m_info.reduceFilter = reduce::filterFactory()->defaultFilterFor(m_info.pixelType);
+    m_info->pixelType = ParsePixelType(toCString(names.at(index)));
+    m_info->dataType = PixelTypeToDataType(m_info->pixelType);
+    m_info->reduceFilter = reduce::filterFactory()->defaultFilterFor(m_info->pixelType);
     emit pixelTypeChanged();
 }
 
 QString CameraInfo::controller() const
 {
-    return toQString(m_info.controller);
+    return toQString(m_info->controller);
 }
 
 void CameraInfo::setController(const QString& controller)
 {
     if (controller == this->controller())
         return;
-    m_info.controller = toCString(controller);
+    m_info->controller = toCString(controller);
     emit controllerChanged();
 }
 
@@ -209,7 +231,7 @@ void CameraInfo::setControllerIndex(int index)
     const QStringList names = controllerNames();
     if (index < 0 || index >= names.size() || index == names.indexOf(controller()))
         return;
-    m_info.controller = toCString(names.at(index));
+    m_info->controller = toCString(names.at(index));
     emit controllerChanged();
 }
 
@@ -222,22 +244,22 @@ QStringList CameraInfo::controllerNames() const
 
 QString CameraInfo::errorSummary() const
 {
-    return toQString(m_info.errorSummary);
+    return toQString(m_info->errorSummary);
 }
 
 QString CameraInfo::errorMessage() const
 {
-    return toQString(m_info.errorMessage);
+    return toQString(m_info->errorMessage);
 }
 
 bool CameraInfo::save(const QString& fname) const
 {
-    return m_info.Save(toLocalPath(fname));
+    return m_info->Save(toLocalPath(fname));
 }
 
 CameraInfo* CameraInfo::clone(QObject* parent) const
 {
-    return new CameraInfo(m_info, parent);
+    return new CameraInfo(*m_info, parent);
 }
 
 CameraInfo* CameraInfo::clone() const

@@ -9,11 +9,16 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 namespace kiv::cam::ui {
 
-// The QML face of one camera description. It owns a copy of the record; its control and video
-// devices are shown by DeviceInfo objects that edit that copy in place, so what QML edits is
-// what save() writes and what a connection uses.
+// The QML face of one camera description. It owns a copy of the record, or shares one with the
+// other cameras of a search; its control and video devices are shown by DeviceInfo objects that
+// edit that record in place, so what QML edits is what save() writes and what a connection
+// uses. The device objects are made when first read, so that a camera nobody looks into costs
+// one object; a camera that nobody has read yet may be made on any thread and moved to the
+// thread that shows it.
 class KIVCAMUI_EXPORT CameraInfo : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString model READ model CONSTANT)
@@ -51,6 +56,8 @@ class KIVCAMUI_EXPORT CameraInfo : public QObject {
 
 public:
     CameraInfo(const SCameraInfo& info, QObject* parent);
+    // Shows and edits info, which the object keeps alive.
+    CameraInfo(std::shared_ptr<SCameraInfo> info, QObject* parent);
 
     QString model() const;
     QString serial() const;
@@ -62,26 +69,27 @@ public:
     QString displayName() const;
     QString baseModel() const;
     QString userFriendlyInterfaceName() const { return m_userFriendlyInterfaceName; }
-    DeviceInfo* comm() { return &m_comm; }
-    DeviceInfo* video() { return &m_video; }
+    // The devices, made on the first read.
+    DeviceInfo* comm();
+    DeviceInfo* video();
     // The camera type, made on first read, also for a type the catalogue does not know.
     CameraModel* camera();
-    ushort width() const { return m_info.width; }
+    ushort width() const { return m_info->width; }
     void setWidth(ushort width);
-    ushort height() const { return m_info.height; }
+    ushort height() const { return m_info->height; }
     void setHeight(ushort height);
-    ushort cropLeft() const { return static_cast<ushort>(m_info.cropLeft); }
+    ushort cropLeft() const { return static_cast<ushort>(m_info->cropLeft); }
     void setCropLeft(ushort crop);
-    ushort cropTop() const { return static_cast<ushort>(m_info.cropTop); }
+    ushort cropTop() const { return static_cast<ushort>(m_info->cropTop); }
     void setCropTop(ushort crop);
-    ushort cropRight() const { return static_cast<ushort>(m_info.cropRight); }
+    ushort cropRight() const { return static_cast<ushort>(m_info->cropRight); }
     void setCropRight(ushort crop);
-    ushort cropBottom() const { return static_cast<ushort>(m_info.cropBottom); }
+    ushort cropBottom() const { return static_cast<ushort>(m_info->cropBottom); }
     void setCropBottom(ushort crop);
-    int adBits() const { return m_info.adBits; }
+    int adBits() const { return m_info->adBits; }
     // Also keeps the mask of significant bits: 0xFFFF >> (16 - bits), the shift modulo 32.
     void setADBits(int bits);
-    int adBitShift() const { return m_info.adBitShift; }
+    int adBitShift() const { return m_info->adBitShift; }
     void setADBitShift(int shift);
     QString pixelTypeName() const;
     QStringList pixelTypeNames() const;
@@ -93,7 +101,7 @@ public:
     int controllerIndex() const;
     void setControllerIndex(int index);
     QStringList controllerNames() const;
-    bool canConnect() const { return m_info.canConnect; }
+    bool canConnect() const { return m_info->canConnect; }
     QString errorSummary() const;
     QString errorMessage() const;
 
@@ -103,8 +111,8 @@ public:
     Q_INVOKABLE kiv::cam::ui::CameraInfo* clone() const;
 
     // The record itself, for native callers; writing through it emits nothing.
-    SCameraInfo& info() { return m_info; }
-    const SCameraInfo& info() const { return m_info; }
+    SCameraInfo& info() { return *m_info; }
+    const SCameraInfo& info() const { return *m_info; }
 
 signals:
     void userFriendlyInterfaceNameChanged();
@@ -121,13 +129,17 @@ signals:
     void controllerChanged();
 
 private:
-    QString generateUserFriendlyInterfaceName(DeviceInfo* device);
+    // From the base type of the control device.
+    static QString generateUserFriendlyInterfaceName(const QString& baseType);
     template <typename Field, typename Value>
     void update(Field& field, Value value, void (CameraInfo::*changed)());
+    // A device of the record, at the level of found devices.
+    std::unique_ptr<DeviceInfo> MakeDevice(SDeviceInfo& device) const;
 
-    SCameraInfo m_info;
-    DeviceInfo m_comm;
-    DeviceInfo m_video;
+    std::shared_ptr<SCameraInfo> m_info;
+    // Made on the first read; destroyed before the record they edit.
+    std::unique_ptr<DeviceInfo> m_comm;
+    std::unique_ptr<DeviceInfo> m_video;
     QString m_userFriendlyInterfaceName;
     CameraModel* m_camera = nullptr;
 };

@@ -5,7 +5,8 @@
 #include <kivcamui/plugin/Conversions.h>
 
 #include <QJSEngine>
-#include <QSet>
+
+#include <algorithm>
 
 namespace kiv::cam::ui {
 
@@ -31,7 +32,7 @@ CustomCameraSelectorModel::CustomCameraSelectorModel(QObject* parent) : QObject(
     for (int i = 0; i < catalogue->cameraCount(); ++i)
         m_cameras.push_back(new CameraModel(catalogue->cameraAt(i), nullptr));
     m_cameras.push_back(new CameraModel(TSharedPtr<ICamera>(), nullptr));
-    connect(&m_watcher, &QFutureWatcher<DeviceSearch::Result>::finished, this,
+    connect(&m_watcher, &QFutureWatcher<DeviceSearch::Found>::finished, this,
         &CustomCameraSelectorModel::doneScanning);
     // Any content turns emulators on, "0" included: only the variable's presence counts.
     if (!qEnvironmentVariableIsEmpty("KIVCAM_ENABLE_EMULATORS"))
@@ -40,6 +41,7 @@ CustomCameraSelectorModel::CustomCameraSelectorModel(QObject* parent) : QObject(
 
 CustomCameraSelectorModel::~CustomCameraSelectorModel()
 {
+    RemoveDevices();
     delete m_cameraInfo;
 }
 
@@ -88,48 +90,66 @@ void CustomCameraSelectorModel::scan()
         CreateCameraInfo(record);
     }
 
-    // The objects of devices go with that list; those that stood only in commDevices or
-    // videoDevices are deleted once the views have seen the lists emptied.
-    QSet<QObject*> shared;
+    RemoveDevices();
+
+    m_scanning = true;
+    emit scanningChanged();
+    m_watcher.setFuture(m_search.Start({}, thread()));
+}
+
+void CustomCameraSelectorModel::RemoveDevices()
+{
+    // A device in devices is in the other two as well, and goes with devices; one that stands in
+    // commDevices or videoDevices alone is deleted here, once the views have seen the lists empty.
+    QList<QObject*> both;
     for (int i = 0; i < m_devices.size(); ++i)
-        shared.insert(m_devices.at(i));
-    QList<QObject*> retired;
+        both.append(m_devices.at(i));
+    std::sort(both.begin(), both.end());
+    QList<QObject*> alone;
     for (const ObjectListModel* list : {&m_commDevices, &m_videoDevices}) {
         for (int i = 0; i < list->size(); ++i) {
-            if (!shared.contains(list->at(i)))
-                retired.append(list->at(i));
+            if (!std::binary_search(both.cbegin(), both.cend(), list->at(i)))
+                alone.append(list->at(i));
         }
     }
     m_commDevices.detachAll();
     m_videoDevices.detachAll();
     m_devices.removeAll();
-    for (QObject* device : std::as_const(retired))
-        device->deleteLater();
-
-    m_scanning = true;
-    emit scanningChanged();
-    m_watcher.setFuture(m_search.Start({}));
+    qDeleteAll(alone);
 }
 
 void CustomCameraSelectorModel::doneScanning()
 {
-    const QList<DeviceInfo*> found = m_search.List(
-        DeviceSearch::Found(m_watcher.future()), [](const IInterface&) { return true; }, this);
+    const QList<DeviceInfo*> devices = m_search.List(
+        DeviceSearch::Take(m_watcher.future()), [](const IInterface&) { return true; });
+    QList<QObject*> comm;
+    QList<QObject*> video;
+    QList<QObject*> both;
     CInterfaces* catalogue = kiv::cam::interfaces();
-    for (DeviceInfo* device : found) {
-        const TSharedPtr<IInterface> transport
-            = catalogue->interfaceByName(device->info().interfaceName);
-        if (!transport || (!transport->comm && !transport->video)) {
-            delete device; // no list would show it
-            continue;
+    // The devices of a transport stand together in the sorted list: the transport is looked up
+    // once for all of them.
+    for (qsizetype begin = 0, end = 0; begin < devices.size(); begin = end) {
+        const CString& interfaceName = devices.at(begin)->info().interfaceName;
+        while (end < devices.size() && devices.at(end)->info().interfaceName == interfaceName)
+            ++end;
+        const TSharedPtr<IInterface> transport = catalogue->interfaceByName(interfaceName);
+        for (qsizetype i = begin; i < end; ++i) {
+            DeviceInfo* device = devices.at(i);
+            if (!transport || (!transport->comm && !transport->video)) {
+                delete device; // no list would show it
+                continue;
+            }
+            if (transport->comm)
+                comm.append(device);
+            if (transport->video)
+                video.append(device);
+            if (transport->comm && transport->video)
+                both.append(device);
         }
-        if (transport->comm)
-            m_commDevices.push_back(device);
-        if (transport->video)
-            m_videoDevices.push_back(device);
-        if (transport->comm && transport->video)
-            m_devices.push_back(device);
     }
+    m_commDevices.append(comm);
+    m_videoDevices.append(video);
+    m_devices.append(both);
     if (m_scanning) {
         m_scanning = false;
         emit scanningChanged();

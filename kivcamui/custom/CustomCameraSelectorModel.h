@@ -21,9 +21,8 @@ namespace kiv::cam::ui {
 // the event loop, so QML follows cameraInfoChanged.
 //
 // A device object may stand in several lists: one whose transport carries both control and video
-// is in commDevices, videoDevices and devices. A new search forgets the objects at once and
-// deletes them: those in devices with the list, the others at the next turn of the event loop,
-// once the views have let go of them.
+// is in commDevices, videoDevices and devices. A new search empties the lists and then deletes
+// every object they held, each once.
 class KIVCAMUI_EXPORT CustomCameraSelectorModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(kiv::cam::ui::CameraInfo* cameraInfo READ cameraInfo NOTIFY cameraInfoChanged)
@@ -127,6 +126,8 @@ private:
     bool SelectDevice(
         const ObjectListModel& list, int& stored, int index, bool inMode, DeviceWriter write);
     void ChangeIndex(int& stored, int index, void (CustomCameraSelectorModel::*changed)());
+    // Empties the device lists, announcing it, and deletes their objects, each once.
+    void RemoveDevices();
 
     CameraInfo* m_cameraInfo = nullptr;
     ObjectListModel m_cameras{true};
@@ -136,7 +137,7 @@ private:
     bool m_scanning = false;
     bool m_scanned = false;
     DeviceSearch m_search;
-    QFutureWatcher<DeviceSearch::Result> m_watcher{this};
+    QFutureWatcher<DeviceSearch::Found> m_watcher{this};
     int m_selectedCameraIndex = -1;
     int m_selectedDeviceIndex = -1;
     int m_selectedCommDeviceIndex = -1;

@@ -12,7 +12,7 @@ using kiv::cam::ui::toQString;
 
 DeviceFinderModel::DeviceFinderModel(QObject* parent) : QObject(parent)
 {
-    connect(&m_watcher, &QFutureWatcher<DeviceSearch::Result>::finished, this,
+    connect(&m_watcher, &QFutureWatcher<DeviceSearch::Found>::finished, this,
         &DeviceFinderModel::doneScanning);
     QJSEngine::setObjectOwnership(&m_devices, QJSEngine::CppOwnership);
 }
@@ -62,22 +62,21 @@ void DeviceFinderModel::scan()
     kiv::TArray<CString> names;
     for (const QString& name : std::as_const(m_supportedDevices))
         names.add(toCString(name));
-    m_watcher.setFuture(m_search.Start(std::move(names)));
+    m_watcher.setFuture(m_search.Start(std::move(names), thread()));
 }
 
 void DeviceFinderModel::doneScanning()
 {
     const QList<DeviceInfo*> devices = m_search.List(
-        DeviceSearch::Found(m_watcher.future()),
-        [this](const kiv::cam::IInterface& transport) {
+        DeviceSearch::Take(m_watcher.future()), [this](const kiv::cam::IInterface& transport) {
             return m_supportedDevices.contains(toQString(transport.name));
-        },
-        this);
+        });
     m_devices.removeAll();
-    for (DeviceInfo* device : devices) {
-        ApplyPresets(*device);
-        m_devices.push_back(device);
+    if (!m_defaultControl.isEmpty() || m_defaultBaudRate > 0) {
+        for (DeviceInfo* device : devices)
+            ApplyPresets(*device);
     }
+    m_devices.append(QList<QObject*>(devices.cbegin(), devices.cend()));
     if (m_scanning) {
         m_scanning = false;
         emit scanningChanged();

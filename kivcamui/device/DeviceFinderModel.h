@@ -69,7 +69,7 @@ private:
     // Written straight into the record, so the new device's parameters announce nothing.
     void ApplyPresets(DeviceInfo& device) const;
 
-    QFutureWatcher<DeviceSearch::Result> m_watcher{this};
+    QFutureWatcher<DeviceSearch::Found> m_watcher{this};
     ObjectListModel m_devices{true};
     bool m_scanning = false;
     bool m_scanned = false;

@@ -10,22 +10,37 @@ using kiv::cam::SDeviceInfo;
 using namespace kiv::cam::ui;
 
 DeviceInfo::DeviceInfo(const SDeviceInfo& info, CParameters::EEditLevel level)
-    : m_info(&m_ownInfo), m_ownInfo(info), m_editLevel(level)
+    : DeviceInfo(std::make_shared<SDeviceInfo>(info), level)
 {
-    buildParameters();
 }
 
+// The record is shown through a pointer that owns nothing.
 DeviceInfo::DeviceInfo(int, SDeviceInfo& info, CParameters::EEditLevel level)
-    : m_info(&info), m_editLevel(level)
+    : DeviceInfo(std::shared_ptr<SDeviceInfo>(std::shared_ptr<void>(), &info), level)
 {
-    buildParameters();
 }
 
-void DeviceInfo::buildParameters()
+DeviceInfo::DeviceInfo(std::shared_ptr<SDeviceInfo> info, CParameters::EEditLevel level)
+    : m_info(std::move(info)), m_editLevel(level)
 {
-    QJSEngine::setObjectOwnership(&m_parameters, QJSEngine::CppOwnership);
-    for (unsigned i = 0; i < m_info->parameters.count(); ++i)
-        m_parameters.push_back(new DeviceParameter(m_info->parameters, i, m_editLevel));
+}
+
+ObjectListModel* DeviceInfo::parameters()
+{
+    if (!m_parameters) {
+        m_parameters = std::make_unique<ObjectListModel>(true);
+        QJSEngine::setObjectOwnership(m_parameters.get(), QJSEngine::CppOwnership);
+        QList<QObject*> entries;
+        for (unsigned i = 0; i < m_info->parameters.count(); ++i)
+            entries.append(new DeviceParameter(m_info->parameters, i, m_editLevel));
+        m_parameters->append(entries);
+    }
+    return m_parameters.get();
+}
+
+QString DeviceInfo::BaseTypeOf(const SDeviceInfo& info)
+{
+    return toQString(info.baseType.empty() ? info.interfaceName : info.baseType);
 }
 
 QString DeviceInfo::interfaceName() const
@@ -41,7 +56,7 @@ QString DeviceInfo::deviceName() const
 
 QString DeviceInfo::baseType() const
 {
-    return toQString(m_info->baseType.empty() ? m_info->interfaceName : m_info->baseType);
+    return BaseTypeOf(*m_info);
 }
 
 QString DeviceInfo::icon() const
@@ -80,8 +95,9 @@ void DeviceInfo::setEditLevel(DeviceParameter::EEDIT_LEVEL level)
         return;
     m_editLevel = stored;
     emit editLevelChanged();
-    for (int i = 0; i < m_parameters.size(); ++i)
-        static_cast<DeviceParameter*>(m_parameters.at(i))->setEditLevel(level);
+    // Parameters not made yet will be made at the new level.
+    for (int i = 0; m_parameters && i < m_parameters->size(); ++i)
+        static_cast<DeviceParameter*>(m_parameters->at(i))->setEditLevel(level);
 }
 
 bool DeviceInfo::canConnect() const

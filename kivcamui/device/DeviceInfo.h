@@ -9,9 +9,16 @@
 #include <QObject>
 #include <QString>
 
+#include <memory>
+
 // The QML face of one device record: its names and icon, its transport and its parameters,
-// which QML edits in place. It either holds its own copy of the record or edits a record held
-// elsewhere (a camera description's control or video device), which must then outlive it.
+// which QML edits in place. It either holds its own copy of the record, or shares a record with
+// its holders, or edits a record held elsewhere (a camera description's control or video
+// device), which must then outlive it.
+//
+// The parameter objects are made when the list is first read, so that a device nobody looks
+// into costs one object; an object that nobody has read yet may be made on any thread and moved
+// to the thread that shows it.
 class KIVCAMUI_EXPORT DeviceInfo : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString interfaceName READ interfaceName CONSTANT)
@@ -33,6 +40,9 @@ public:
     DeviceInfo(const kiv::cam::SDeviceInfo& info, kiv::cam::CParameters::EEditLevel level);
     // Referring form: edits go straight into info. The tag only selects this form.
     DeviceInfo(int tag, kiv::cam::SDeviceInfo& info, kiv::cam::CParameters::EEditLevel level);
+    // Sharing form: edits go straight into info, which the object keeps alive.
+    DeviceInfo(
+        std::shared_ptr<kiv::cam::SDeviceInfo> info, kiv::cam::CParameters::EEditLevel level);
 
     QString interfaceName() const;
     // "Custom" for a device template offered to be filled in by hand.
@@ -41,7 +51,8 @@ public:
     QString baseType() const;
     QString icon() const;
     bool iconExists() const;
-    ObjectListModel* parameters() { return &m_parameters; }
+    // The list, and a DeviceParameter per entry of the record, made on the first read.
+    ObjectListModel* parameters();
     bool isFound() const;
     // The device's transport, made on first read; null while the catalogue knows none.
     InterfaceModel* interface();
@@ -57,15 +68,16 @@ public:
     kiv::cam::SDeviceInfo& info() { return *m_info; }
     const kiv::cam::SDeviceInfo& info() const { return *m_info; }
 
+    // What baseType shows for a record: its base type, or its transport's name where it has none.
+    static QString BaseTypeOf(const kiv::cam::SDeviceInfo& info);
+
 signals:
     void editLevelChanged();
 
 private:
-    void buildParameters();
-
-    kiv::cam::SDeviceInfo* m_info;
-    kiv::cam::SDeviceInfo m_ownInfo;
+    std::shared_ptr<kiv::cam::SDeviceInfo> m_info; // owns nothing in the referring form
     kiv::cam::CParameters::EEditLevel m_editLevel;
-    ObjectListModel m_parameters{true};
+    // Made on the first read; destroyed before the record its parameters show.
+    std::unique_ptr<ObjectListModel> m_parameters;
     InterfaceModel* m_interface = nullptr;
 };

@@ -4,6 +4,7 @@
 #include <kiv/TArray.h>
 #include <kivcam/IInterface.h>
 #include <kivcam/SDeviceInfo.h>
+#include <kivcamui/plugin/MadeOnPool.h>
 
 #include <QFuture>
 #include <QList>
@@ -14,16 +15,18 @@
 #include <stop_token>
 
 class DeviceInfo;
-class QObject;
+class QThread;
 
 // The device search of a discovery model: one task at a time on Qt's global pool, and the
-// sorted device objects made from what it found. The emulator switch is shared with the task,
-// which reads it when it starts, so that a model destroyed while it searches neither waits for
-// the search nor leaves it reading freed memory; destroying the search stops a task still
-// running.
+// sorted device objects made from what it found. The task makes the objects of the found
+// devices itself, over the found records (moved, never copied), sorts them and moves them to
+// the model's thread, which only adds the "Custom" placeholders. The emulator switch is shared
+// with the task, which reads it when it starts, so that a model destroyed while it searches
+// neither waits for the search nor leaves it reading freed memory; destroying the search stops a
+// task still running.
 class DeviceSearch {
 public:
-    using Result = kiv::TArray<kiv::cam::SDeviceInfo>;
+    using Found = std::shared_ptr<kiv::cam::ui::MadeOnPool<DeviceInfo>>;
 
     DeviceSearch() = default;
     ~DeviceSearch();
@@ -34,20 +37,25 @@ public:
     void setEnableEmulators(bool enable) { *m_enableEmulators = enable; }
 
     // Starts a task that searches every transport, or with names, keeps only the devices whose
-    // base type or transport name is among them.
-    QFuture<Result> Start(kiv::TArray<kiv::CString> names);
+    // base type or transport name is among them. Its objects are made for thread.
+    QFuture<Found> Start(kiv::TArray<kiv::CString> names, QThread* thread);
 
-    // What a finished task found; nothing when it was cancelled before it reported (as it is
-    // when there is no thread pool to run it).
-    static Result Found(const QFuture<Result>& future);
+    // The objects of what a finished task found, sorted, now the caller's; none when the task
+    // was cancelled before it reported (as it is when there is no thread pool to run it).
+    static QList<DeviceInfo*> Take(const QFuture<Found>& future);
 
-    // One object, a child of parent, per found record, and a "Custom" placeholder per transport
-    // that offers() accepts (emulators only while they are enabled); sorted by transport name,
-    // each transport's placeholder ahead of its devices, these by name.
-    QList<DeviceInfo*> List(const Result& found,
-        const std::function<bool(const kiv::cam::IInterface&)>& offers, QObject* parent) const;
+    // The found devices, sorted, and a "Custom" placeholder per transport that offers() accepts
+    // (emulators only while they are enabled): sorted by transport name, each transport's
+    // placeholder ahead of its devices, these by name. The objects have no parent: the lists
+    // that show them own them.
+    QList<DeviceInfo*> List(QList<DeviceInfo*> found,
+        const std::function<bool(const kiv::cam::IInterface&)>& offers) const;
 
 private:
+    // One object per record, sharing the records, which are freed off the GUI thread once the
+    // last of them is gone; sorted by transport name, then device name.
+    static QList<DeviceInfo*> MakeSorted(kiv::TArray<kiv::cam::SDeviceInfo> found);
+
     std::shared_ptr<std::atomic<bool>> m_enableEmulators
         = std::make_shared<std::atomic<bool>>(false);
     std::stop_source m_stop; // of the running task

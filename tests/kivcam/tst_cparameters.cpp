@@ -127,6 +127,37 @@ private slots:
         QCOMPARE(&parameters[CString("BaudRate")], &parameters[3u]);
         QCOMPARE(QByteArray(parameters[1u].name.c_str()), QByteArray("Speed"));
     }
+    void lookupsHoldWhileACollectionGrows()
+    {
+        // Small collections look their few names through, larger ones keep an index: an entry
+        // is found in its place, and a renamed one under neither name, at every size.
+        CParameters parameters;
+        for (unsigned count = 1; count <= 40; ++count) {
+            parameters.Add({CString(std::to_string(count - 1)), "", "", CParameters::EDIT_ALWAYS,
+                CVariant(static_cast<int>(count))});
+            if (count == 5)
+                parameters[CString("2")].name = "renamed";
+            const bool renamed = count >= 5;
+            for (unsigned i = 0; i < count; ++i) {
+                const CString name(std::to_string(i));
+                const bool found = i != 2 || !renamed;
+                QCOMPARE(parameters.Exists(name), found);
+                if (found)
+                    QCOMPARE(&parameters[name], &parameters[i]);
+            }
+            QVERIFY(!parameters.Exists("renamed"));
+            const CParameters copy = parameters;
+            QCOMPARE(copy.count(), count);
+            QCOMPARE(&copy[CString("0")], &copy[0u]);
+        }
+        // Added again under the old name, it is a new entry that the name finds.
+        parameters.Add({"2", "again", "", CParameters::EDIT_ALWAYS, CVariant(0)});
+        QCOMPARE(parameters.count(), 41u);
+        QCOMPARE(&parameters[CString("2")], &parameters[40u]);
+        parameters.Add({"2", "replaced", "", CParameters::EDIT_ALWAYS, CVariant(0)});
+        QCOMPARE(parameters.count(), 41u);
+        QCOMPARE(QByteArray(parameters[40u].displayName.c_str()), QByteArray("replaced"));
+    }
     void copiesFindTheirOwnEntries()
     {
         const CParameters original = sample();

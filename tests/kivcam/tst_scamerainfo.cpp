@@ -293,6 +293,42 @@ private slots:
         QCOMPARE(bytes(camera.comm.deviceName), QByteArray("COM3"));
         QVERIFY(camera.video.empty());
     }
+    void numbersAreReadInEveryFormTheyMayTake()
+    {
+        SCameraInfo camera;
+        QVERIFY(loadText(camera,
+            "<camera><width>0x140</width><height>65535</height><adBits> 14 </adBits>"
+            "<adBitShift>+2</adBitShift><adMask>0x3FFF</adMask><cropLeft>007</cropLeft>"
+            "<cropTop>4294967295</cropTop><cropRight>-0</cropRight><canConnect>TRUE</canConnect>"
+            "<emulated>1</emulated><hasNucMask>false</hasNucMask><dataType>2</dataType>"
+            "<comm><canConnect>0</canConnect><parameters>"
+            "<parameter name=\"A\" type=\"enum\" editLevel=\"0x2\" value=\"-1\">"
+            "<item name=\"minus\" value=\"-1\"/><item name=\"big\" "
+            "value=\"123456789012345678\"/><item name=\"huge\" value=\"0x7FFFFFFFFFFFFFFF\"/>"
+            "</parameter><parameter name=\"B\" type=\"int32\" editLevel=\" 3\" "
+            "value=\"2147483647\"/></parameters></comm></camera>"));
+        QCOMPARE(camera.width, 320);
+        QCOMPARE(camera.height, 65535);
+        QCOMPARE(camera.adBits, 14);
+        QCOMPARE(camera.adBitShift, 2);
+        QCOMPARE(camera.adMask, 0x3FFFu);
+        QCOMPARE(camera.cropLeft, 7u);
+        QCOMPARE(camera.cropTop, 4294967295u);
+        QCOMPARE(camera.cropRight, 0u);
+        QVERIFY(camera.canConnect);
+        QVERIFY(camera.emulated);
+        QVERIFY(!camera.hasNucMask);
+        QCOMPARE(int(camera.dataType), 2);
+        QVERIFY(!camera.comm.canConnect);
+        const CParameters::CEntry& a = camera.comm.parameters[0u];
+        QCOMPARE(a.editLevel, CParameters::EDIT_CUSTOM_SELECT);
+        QCOMPARE(a.value().ToInt64(), -1);
+        QCOMPARE(a.value().GetEnumValue(1), 123456789012345678LL);
+        QCOMPARE(a.value().GetEnumValue(2), 0x7FFFFFFFFFFFFFFFLL);
+        const CParameters::CEntry& b = camera.comm.parameters[1u];
+        QCOMPARE(b.editLevel, CParameters::EDIT_INTERNAL);
+        QCOMPARE(b.value().ToInt64(), 2147483647);
+    }
     void loadReplacesEveryField()
     {
         SCameraInfo camera = populated();

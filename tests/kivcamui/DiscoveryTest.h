@@ -1,6 +1,9 @@
 #pragma once
 
+#include <kivui/ObjectListModel.h>
+
 #include <QByteArray>
+#include <QStringList>
 #include <QTest>
 
 // What the tests of the discovery models share.
@@ -10,6 +13,25 @@ template <typename Model> bool scanToEnd(Model& model)
 {
     model.scan();
     return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
+}
+
+// Records what a search announces, in its order: the list's resets and insertions ("rows 0-3"),
+// the model's scanning signals with the size of the list then ("idle with 4") and its scanned
+// signal. order must outlive the model, whose list announces its end.
+template <typename Model>
+void recordAnnouncements(Model& model, ObjectListModel& list, QStringList& order)
+{
+    QObject::connect(&list, &QAbstractItemModel::modelReset, &model, [&] { order << "reset"; });
+    QObject::connect(&list, &QAbstractItemModel::rowsInserted, &model,
+        [&](const QModelIndex&, int first, int last) {
+            order << QStringLiteral("rows %1-%2").arg(first).arg(last);
+        });
+    QObject::connect(&model, &Model::scanningChanged, &model, [&] {
+        order << QStringLiteral("%1 with %2")
+                     .arg(model.scanning() ? "scanning" : "idle")
+                     .arg(list.size());
+    });
+    QObject::connect(&model, &Model::scannedChanged, &model, [&] { order << "scanned"; });
 }
 
 // A test of "KIVCAM_ENABLE_EMULATORS" read at construction: any content turns emulators on.

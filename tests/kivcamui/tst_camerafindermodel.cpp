@@ -7,6 +7,7 @@
 #include <QAbstractItemModelTester>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QJSEngine>
 #include <QPointer>
 #include <QProcess>
 #include <QSignalSpy>
@@ -269,6 +270,74 @@ private slots:
         QTimer::singleShot(0, this, [&] { turnedWhileScanning = model.scanning(); });
         QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
         QVERIFY(turnedWhileScanning);
+    }
+    void resultsArriveAsOneInsertionBeforeTheEndIsAnnounced()
+    {
+        QStringList order; // outlives the model, whose list announces its end
+        CameraFinderModel model;
+        model.setEnableEmulators(true);
+        QAbstractItemModelTester tester(
+            model.cameras(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+        recordAnnouncements(model, *model.cameras(), order);
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(order, (QStringList{"scanning with 0", "rows 0-3", "scanned", "idle with 4"}));
+        order.clear();
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(order, (QStringList{"reset", "scanning with 0", "rows 0-3", "idle with 4"}));
+    }
+    void foundCamerasAreTheModelsOnItsThread()
+    {
+        CameraFinderModel model;
+        model.setEnableEmulators(true);
+        QVERIFY(scanToEnd(model));
+        QList<QPointer<QObject>> found;
+        for (int i = 0; i < model.cameras()->size(); ++i) {
+            QObject* camera = model.cameras()->at(i);
+            QCOMPARE(camera->parent(), &model);
+            QCOMPARE(camera->thread(), model.thread());
+            QCOMPARE(QJSEngine::objectOwnership(camera), QJSEngine::CppOwnership);
+            found << camera;
+        }
+        // Listed, they stay, whatever the event loop does meanwhile.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QTest::qWait(10);
+        for (const QPointer<QObject>& camera : std::as_const(found))
+            QVERIFY(!camera.isNull());
+        // The next search removes them, and they are gone at once.
+        model.scan();
+        for (const QPointer<QObject>& camera : std::as_const(found))
+            QVERIFY(camera.isNull());
+        QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
+    }
+    void foundRecordsAreTheCamerasOwn()
+    {
+        // The cameras of one search share its records, each its own: an edit of one reaches no
+        // other, and a camera of a finished search outlives its model through a clone only.
+        CameraFinderModel model;
+        model.setEnableEmulators(true);
+        QVERIFY(scanToEnd(model));
+        auto* first = qobject_cast<CameraInfo*>(model.cameras()->at(0));
+        auto* second = qobject_cast<CameraInfo*>(model.cameras()->at(1));
+        first->setIdentity("Edited");
+        QVERIFY(second->identity() != QStringLiteral("Edited"));
+        QCOMPARE(QByteArray(first->info().identity.c_str()), QByteArray("Edited"));
+        std::unique_ptr<CameraInfo> kept(second->clone());
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(kept->serial(), QStringLiteral("K-1"));
+    }
+    void destroyedBeforeItsEndedSearchIsTaken()
+    {
+        // The task has made its cameras and moved them to this thread, but the event loop has
+        // not turned: the model goes with them (the sanitizer build checks that nothing leaks).
+        for (int i = 0; i < 5; ++i) {
+            auto* model = new CameraFinderModel;
+            QSignalSpy scanning(model, &CameraFinderModel::scanningChanged);
+            model->scan();
+            QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
+            QCOMPARE(scanning.count(), 1);
+            delete model;
+        }
+        QThreadPool::globalInstance()->waitForDone();
     }
     void destroyedWhileSearching()
     {

@@ -1,10 +1,16 @@
 #include <kiv/PixelType.h>
 #include <kivcamui/camera/CameraInfo.h>
 
+#include <QCoreApplication>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 #include <QUrl>
+
+#include <memory>
+#include <thread>
+#include <vector>
 
 using kiv::CString;
 using kiv::CVariant;
@@ -272,6 +278,54 @@ private slots:
         control->setValue("Port 1");
         QCOMPARE(QByteArray(camera.info().comm.parameters[0u].value().ToString().c_str()),
             QByteArray("Port 1"));
+    }
+    void devicesAreMadeOnceOverTheRecord()
+    {
+        CameraInfo camera(kelvin(), nullptr);
+        DeviceInfo* comm = camera.comm();
+        DeviceInfo* video = camera.video();
+        QCOMPARE(camera.comm(), comm);
+        QCOMPARE(camera.video(), video);
+        QVERIFY(comm != video);
+        QCOMPARE(&comm->info(), &camera.info().comm);
+        QCOMPARE(&video->info(), &camera.info().video);
+        QCOMPARE(comm->editLevel(), DeviceParameter::EDIT_CUSTOM);
+        QCOMPARE(video->editLevel(), DeviceParameter::EDIT_CUSTOM);
+    }
+    void sharedRecordIsKeptAliveAndEditedInPlace()
+    {
+        // As a search shares one block of records among its cameras.
+        auto records = std::make_shared<std::vector<SCameraInfo>>(2, kelvin());
+        const std::weak_ptr<std::vector<SCameraInfo>> watch = records;
+        CameraInfo first(std::shared_ptr<SCameraInfo>(records, &(*records)[0]), nullptr);
+        CameraInfo second(std::shared_ptr<SCameraInfo>(records, &(*records)[1]), nullptr);
+        records.reset();
+        QVERIFY(!watch.expired());
+        first.setIdentity("First");
+        qobject_cast<DeviceParameter*>(second.comm()->parameters()->at(0))->setValue("Port 2");
+        QCOMPARE(first.identity(), QStringLiteral("First"));
+        QCOMPARE(second.identity(), QStringLiteral("Lab bench"));
+        QCOMPARE(QByteArray(second.info().comm.parameters[0u].value().ToString().c_str()),
+            QByteArray("Port 2"));
+        QCOMPARE(QByteArray(first.info().comm.parameters[0u].value().ToString().c_str()),
+            QByteArray("Port 0"));
+        QCOMPARE(second.userFriendlyInterfaceName(), QStringLiteral("CameraLink"));
+    }
+    void madeOnAnotherThreadAndMovedHere()
+    {
+        // As a search task makes cameras: on its thread, then moved to the thread showing them.
+        CameraInfo* made = nullptr;
+        std::thread maker([&] {
+            made = new CameraInfo(kelvin("GEV"), nullptr);
+            made->moveToThread(QCoreApplication::instance()->thread());
+        });
+        maker.join();
+        std::unique_ptr<CameraInfo> camera(made);
+        QCOMPARE(camera->thread(), QThread::currentThread());
+        QCOMPARE(camera->userFriendlyInterfaceName(), QStringLiteral("GigE"));
+        QCOMPARE(camera->comm()->thread(), QThread::currentThread());
+        QCOMPARE(camera->comm()->parameters()->thread(), QThread::currentThread());
+        QCOMPARE(camera->camera()->thread(), QThread::currentThread());
     }
     void saveAndLoadThroughAUrl()
     {

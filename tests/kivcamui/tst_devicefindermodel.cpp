@@ -101,7 +101,8 @@ private slots:
             auto* found = qobject_cast<DeviceInfo*>(model.devices()->at(i));
             QVERIFY(found->isFound());
             QCOMPARE(found->editLevel(), DeviceParameter::EDIT_CUSTOM);
-            QCOMPARE(found->parent(), &model);
+            // The list owns it.
+            QCOMPARE(found->parent(), nullptr);
         }
     }
     void eachSupportedTransportHeadsItsDevicesWithOneCustomEntry()
@@ -186,6 +187,65 @@ private slots:
         QVERIFY(old.isNull());
         QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
         QCOMPARE(model.devices()->size(), allRealDevices.size());
+    }
+    void resultsArriveAsOneInsertionBeforeTheEndIsAnnounced()
+    {
+        QStringList order; // outlives the model, whose list announces its end
+        DeviceFinderModel model;
+        model.setSupportedDevices({"Grabber", "ComPorts"});
+        QAbstractItemModelTester tester(
+            model.devices(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+        recordAnnouncements(model, *model.devices(), order);
+        QVERIFY(scanToEnd(model));
+        // The devices found on the two transports and their two placeholders.
+        QCOMPARE(order, (QStringList{"scanning with 0", "rows 0-6", "idle with 7", "scanned"}));
+        order.clear();
+        QVERIFY(scanToEnd(model));
+        QCOMPARE(order, (QStringList{"reset", "scanning with 0", "rows 0-6", "idle with 7"}));
+    }
+    void devicesAreTheListsOnTheModelsThread()
+    {
+        DeviceFinderModel model;
+        model.setSupportedDevices({"Grabber"});
+        QVERIFY(scanToEnd(model));
+        QList<QPointer<QObject>> found;
+        for (int i = 0; i < model.devices()->size(); ++i) {
+            QObject* device = model.devices()->at(i);
+            QCOMPARE(device->thread(), model.thread());
+            QCOMPARE(QJSEngine::objectOwnership(device), QJSEngine::CppOwnership);
+            found << device;
+        }
+        // Each device has its record of its own.
+        DeviceInfo* port0 = device(model, "Grabber/Port 0");
+        DeviceInfo* port1 = device(model, "Grabber/Port 1");
+        QVERIFY(&port0->info() != &port1->info());
+        qobject_cast<DeviceParameter*>(port0->parameters()->at(0))->setValue("Edited");
+        QVERIFY(parameter(port1, "Control") != QStringLiteral("Edited"));
+        // Listed, they stay; with the model, they go.
+        QTest::qWait(10);
+        for (const QPointer<QObject>& device : std::as_const(found))
+            QVERIFY(!device.isNull());
+        {
+            DeviceFinderModel other;
+            QVERIFY(scanToEnd(other));
+            found = {other.devices()->at(0)};
+        }
+        QVERIFY(found.at(0).isNull());
+    }
+    void destroyedBeforeItsEndedSearchIsTaken()
+    {
+        // The task has made its devices and moved them to this thread, but the event loop has
+        // not turned: the model goes with them (the sanitizer build checks that nothing leaks).
+        for (int i = 0; i < 5; ++i) {
+            auto* model = new DeviceFinderModel;
+            model->setSupportedDevices({"Grabber", "ComPorts"});
+            QSignalSpy scanning(model, &DeviceFinderModel::scanningChanged);
+            model->scan();
+            QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
+            QCOMPARE(scanning.count(), 1);
+            delete model;
+        }
+        QThreadPool::globalInstance()->waitForDone();
     }
     void controlPreset()
     {

@@ -1,9 +1,14 @@
 #include <kivcamui/device/DeviceInfo.h>
 
 #include <QAbstractItemModelTester>
+#include <QCoreApplication>
 #include <QJSEngine>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
+
+#include <memory>
+#include <thread>
 
 using kiv::CString;
 using kiv::CVariant;
@@ -169,6 +174,46 @@ private slots:
         QCOMPARE(parameter(device, 0)->value(), QStringLiteral("COM3"));
         parameter(device, 0)->setValue("COM6");
         QCOMPARE(parameter(*copy, 0)->value(), QStringLiteral("COM5"));
+    }
+    void sharingFormKeepsTheRecordAlive()
+    {
+        auto record = std::make_shared<SDeviceInfo>(serialPort());
+        const std::weak_ptr<SDeviceInfo> watch = record;
+        DeviceInfo device(record, CParameters::EDIT_NEVER);
+        QCOMPARE(&device.info(), record.get());
+        parameter(device, 0)->setValue("COM4");
+        QCOMPARE(QByteArray(record->parameters[0u].value().ToString().c_str()), QByteArray("COM4"));
+        record.reset();
+        QVERIFY(!watch.expired());
+        QCOMPARE(parameter(device, 0)->value(), QStringLiteral("COM4"));
+    }
+    void parametersAreMadeOnceAtTheLevelOfTheirFirstRead()
+    {
+        DeviceInfo device(serialPort(), CParameters::EDIT_ALWAYS);
+        QSignalSpy level(&device, &DeviceInfo::editLevelChanged);
+        device.setEditLevel(DeviceParameter::EDIT_CUSTOM);
+        QCOMPARE(level.count(), 1);
+        ObjectListModel* parameters = device.parameters();
+        QCOMPARE(device.parameters(), parameters);
+        QCOMPARE(parameters->size(), 2);
+        QCOMPARE(parameter(device, 0)->editLevel(), DeviceParameter::EDIT_CUSTOM);
+        QVERIFY(parameter(device, 1)->isWritable());
+    }
+    void madeOnAnotherThreadAndMovedHere()
+    {
+        // As a search task makes devices: on its thread, then moved to the thread showing them.
+        DeviceInfo* device = nullptr;
+        std::thread maker([&] {
+            device = new DeviceInfo(serialPort(), CParameters::EDIT_CUSTOM);
+            device->moveToThread(QCoreApplication::instance()->thread());
+        });
+        maker.join();
+        std::unique_ptr<DeviceInfo> owned(device);
+        QCOMPARE(owned->thread(), QThread::currentThread());
+        QCOMPARE(owned->parameters()->thread(), QThread::currentThread());
+        QCOMPARE(parameter(*owned, 1)->thread(), QThread::currentThread());
+        QCOMPARE(owned->interface()->thread(), QThread::currentThread());
+        QCOMPARE(parameter(*owned, 1)->allowedValues(), (QStringList{"9600", "115200"}));
     }
     void recordWithoutParametersGivesAnEmptyList()
     {

@@ -172,6 +172,94 @@ private slots:
         owner.removeAll();
         QCOMPARE(viewer.size(), 0);
     }
+    void appendAnnouncesOneBlock()
+    {
+        QStringList order; // outlives the list, which announces its end
+        ObjectListModel list(true);
+        QAbstractItemModelTester tester(
+            &list, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        list.push_back(named("a"));
+        QSignalSpy aboutToInsert(&list, &QAbstractItemModel::rowsAboutToBeInserted);
+        QSignalSpy inserted(&list, &QAbstractItemModel::rowsInserted);
+        QSignalSpy size(&list, &ObjectListModel::sizeChanged);
+        connect(&list, &QAbstractItemModel::rowsInserted, this, [&] { order << "rows"; });
+        connect(&list, &ObjectListModel::sizeChanged, this, [&] { order << "size"; });
+        QObject* b = named("b");
+        QObject* c = named("c");
+        QObject* d = named("d");
+        list.append({b, c, d});
+        QCOMPARE(aboutToInsert.count(), 1);
+        QCOMPARE(inserted.count(), 1);
+        QCOMPARE(inserted.at(0).at(1).toInt(), 1);
+        QCOMPARE(inserted.at(0).at(2).toInt(), 3);
+        QCOMPARE(size.count(), 1);
+        QCOMPARE(order, (QStringList{"rows", "size"}));
+        QCOMPARE(list.size(), 4);
+        QCOMPARE(list.at(1), b);
+        QCOMPARE(list.at(2), c);
+        QCOMPARE(list.at(3), d);
+    }
+    void appendLeavesNullsOut()
+    {
+        ObjectListModel list(true);
+        QAbstractItemModelTester tester(
+            &list, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QSignalSpy inserted(&list, &QAbstractItemModel::rowsInserted);
+        QSignalSpy size(&list, &ObjectListModel::sizeChanged);
+        list.append({});
+        list.append({nullptr, nullptr});
+        QCOMPARE(inserted.count(), 0);
+        QCOMPARE(size.count(), 0);
+        QObject* a = named("a");
+        list.append({nullptr, a, nullptr});
+        QCOMPARE(inserted.count(), 1);
+        QCOMPARE(inserted.at(0).at(1).toInt(), 0);
+        QCOMPARE(inserted.at(0).at(2).toInt(), 0);
+        QCOMPARE(list.size(), 1);
+        QCOMPARE(list.at(0), a);
+    }
+    void appendedItemsAreTheListsLikePushedOnes()
+    {
+        ObjectListModel list(true);
+        QAbstractItemModelTester tester(
+            &list, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QPointer<QObject> a = named("a");
+        QPointer<QObject> b = named("b");
+        QObject* c = named("c");
+        list.append({a, b, c});
+        QCOMPARE(QJSEngine::objectOwnership(a), QJSEngine::CppOwnership);
+        QCOMPARE(QJSEngine::objectOwnership(c), QJSEngine::CppOwnership);
+        // Deleted elsewhere, an item leaves the list.
+        delete b;
+        QCOMPARE(list.size(), 2);
+        QCOMPARE(list.at(1), c);
+        // Removed, they are deleted.
+        list.removeAll();
+        QVERIFY(a.isNull());
+    }
+    void removedItemsAreNotWatchedWhileDeleted()
+    {
+        // removeAll deletes what it removed after the list is empty: an item that deletes
+        // another as it goes finds neither listed any more.
+        ObjectListModel list(true);
+        QAbstractItemModelTester tester(
+            &list, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QObject* a = named("a");
+        QObject* b = named("b");
+        list.append({a, b});
+        QSignalSpy removed(&list, &QAbstractItemModel::rowsRemoved);
+        QSignalSpy reset(&list, &QAbstractItemModel::modelReset);
+        list.removeAll();
+        QCOMPARE(reset.count(), 1);
+        QCOMPARE(removed.count(), 0);
+        QCOMPARE(list.size(), 0);
+        // Items put in again after a removal are watched again.
+        QObject* c = named("c");
+        list.push_back(c);
+        delete c;
+        QCOMPARE(removed.count(), 1);
+        QCOMPARE(list.size(), 0);
+    }
     void rowCountOfAChildIsZero()
     {
         ObjectListModel list(true);
