@@ -1,8 +1,5 @@
 #include "InitPlugin.h"
 
-#include <kivcam/CCameras.h>
-#include <kivcam/CControllerFactory.h>
-#include <kivcam/CInterfaces.h>
 #include <kivcamui/camera/CameraFinderModel.h>
 #include <kivcamui/camera/CameraInfo.h>
 #include <kivcamui/custom/CameraModel.h>
@@ -14,11 +11,8 @@
 #include <kivcamui/standalone/StandaloneModel.h>
 #include <kivui/InitPlugin.h>
 
-#include <QThreadPool>
 #include <QtCore/qresource.h>
 #include <QtQml/qqml.h>
-
-#include <mutex>
 
 void kivcamuiInitPlugin()
 {
@@ -43,20 +37,4 @@ void kivcamuiInitPlugin()
         "kivcamui", 1, 0, "CameraModel", "Can only get CameraModel from CustomCameraSelectorModel");
 
     kivuiInitPlugin();
-
-    // The camera library makes its catalogues on their first use, reading the emulated world
-    // among other things, which a large world makes long. Made now, on a thread of the pool,
-    // they are ready by the time the GUI thread first asks for one. A catalogue that cannot be
-    // made now (too little memory) is made, or fails, at its first use, as it would have been.
-    static std::once_flag catalogues;
-    std::call_once(catalogues, [] {
-        QThreadPool::globalInstance()->start([] {
-            try {
-                kiv::cam::cameras();
-                kiv::cam::interfaces();
-                kiv::cam::controllerFactory();
-            } catch (...) {
-            }
-        });
-    });
 }

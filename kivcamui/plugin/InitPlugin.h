@@ -4,5 +4,5 @@
 
 // The library's one entry point. The host calls it once, on the GUI thread, before it loads QML
 // that imports "kivcamui" 1.0: it registers the library's resources and QML types, then the UI
-// library's module "kivui" 1.0, and has the camera library's catalogues made in the background.
+// library's module "kivui" 1.0.
 KIVCAMUI_EXPORT void kivcamuiInitPlugin();

@@ -1,4 +1,3 @@
-#include <kivcam/CCameras.h>
 #include <kivcamui/plugin/InitPlugin.h>
 
 #include <QDir>
@@ -6,9 +5,7 @@
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QResource>
-#include <QTemporaryDir>
 #include <QTest>
-#include <QThreadPool>
 #include <QtQml/qqml.h>
 
 namespace {
@@ -27,19 +24,7 @@ QString qmlErrors(QQmlEngine& engine, const QByteArray& text)
 class tst_InitPlugin : public QObject {
     Q_OBJECT
 
-    QTemporaryDir m_folder;
-
 private slots:
-    // A world of the test's own, read when the camera library's catalogues are made.
-    void initTestCase()
-    {
-        QFile world(m_folder.filePath("world.xml"));
-        QVERIFY(world.open(QIODevice::WriteOnly));
-        world.write("<world><controller name=\"Generic\"/>"
-                    "<cameraType name=\"Preloaded\" controller=\"Generic\"/></world>");
-        world.close();
-        qputenv("KIVCAM_EMULATOR_WORLD", world.fileName().toUtf8());
-    }
     // Runs first: nothing has called kivcamuiInitPlugin yet.
     void resourcesAreThereBeforeTheCall()
     {
@@ -86,14 +71,6 @@ private slots:
         kivcamuiInitPlugin();
         QQmlEngine engine;
         QCOMPARE(qmlErrors(engine, "import kivcamui 1.0\nimport QtQml\nQtObject {}"), QString());
-    }
-    void cataloguesAreMadeInTheBackground()
-    {
-        // The call had the world read on a thread of the pool: once the pool is idle, the
-        // world's file may go, and the GUI thread's first use of a catalogue reads nothing.
-        QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
-        QVERIFY(QFile::remove(m_folder.filePath("world.xml")));
-        QVERIFY(kiv::cam::cameras()->cameraByName("Preloaded"));
     }
     void otherVersionsFail()
     {
