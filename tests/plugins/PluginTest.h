@@ -39,10 +39,14 @@ inline ui::IControllerModelFactory* loadPlugins()
 // made and the panel's model (a child of parent) asked of the factory; connected on request.
 struct SSession {
     SSession(const char* serial, QObject* parent)
-        : device(interfaces()->interfaceByName("Emu")->createDevice())
     {
+        // The test's world (KIVCAM_EMULATOR_WORLD) has the transport; without it nothing works.
+        const TSharedPtr<IInterface> transport = interfaces()->interfaceByName("Emu");
+        if (!transport)
+            qFatal("no transport \"Emu\": run the test with its world (ctest sets it)");
+        device = transport->createDevice();
         TArray<SCameraInfo> cameras;
-        interfaces()->interfaceByName("Emu")->findCameras(cameras, {});
+        transport->findCameras(cameras, {});
         for (const SCameraInfo& found : cameras) {
             if (found.serial == CString(serial))
                 camera = found;
