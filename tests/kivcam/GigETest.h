@@ -32,6 +32,13 @@ namespace gigetest {
 using namespace kiv;
 using namespace kiv::cam;
 
+// The loopback of the test's namespace, up, with a second address for a second camera.
+inline bool BringUpLoopback()
+{
+    return netns::ip({"link", "set", "lo", "up"})
+        && netns::ip({"addr", "add", "127.0.0.2/8", "dev", "lo"});
+}
+
 class CPeer {
 public:
     // Starts program (a peer beside the test binary, or a system program) and waits for its

@@ -51,8 +51,7 @@ private slots:
     void initTestCase()
     {
         NETNS_REQUIRE();
-        QVERIFY(netns::ip({"link", "set", "lo", "up"}));
-        QVERIFY(netns::ip({"addr", "add", "127.0.0.2/8", "dev", "lo"}));
+        QVERIFY(BringUpLoopback());
     }
     void init() { qputenv("KIVCAM_GIGE_INTERFACES", "lo"); }
 
