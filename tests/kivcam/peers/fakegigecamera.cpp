@@ -45,32 +45,32 @@ void writeText(ArvFakeCamera* camera, guint32 address, const std::string& text, 
 int main(int argc, char** argv)
 {
     long heartbeat = 0;
-    std::vector<const char*> specs;
+    std::vector<const char*> cameraArguments;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--heartbeat") == 0 && i + 1 < argc)
             heartbeat = std::strtol(argv[++i], nullptr, 10);
         else
-            specs.push_back(argv[i]);
+            cameraArguments.push_back(argv[i]);
     }
     std::vector<ArvGvFakeCamera*> cameras;
-    for (const char* argument : specs) {
-        const std::vector<std::string> spec = split(argument);
-        ArvGvFakeCamera* camera
-            = arv_gv_fake_camera_new(spec[0].c_str(), spec.size() > 1 ? spec[1].c_str() : nullptr);
+    for (const char* argument : cameraArguments) {
+        const std::vector<std::string> fields = split(argument);
+        ArvGvFakeCamera* camera = arv_gv_fake_camera_new(
+            fields[0].c_str(), fields.size() > 1 ? fields[1].c_str() : nullptr);
         if (!arv_gv_fake_camera_is_running(camera)) {
-            std::fprintf(stderr, "fake-gige-camera: cannot listen on %s\n", spec[0].c_str());
+            std::fprintf(stderr, "fake-gige-camera: cannot listen on %s\n", fields[0].c_str());
             return 1;
         }
         ArvFakeCamera* fake = arv_gv_fake_camera_get_fake_camera(camera);
-        if (spec.size() > 2) {
-            const unsigned long long mac = std::strtoull(spec[2].c_str(), nullptr, 16);
+        if (fields.size() > 2) {
+            const unsigned long long mac = std::strtoull(fields[2].c_str(), nullptr, 16);
             arv_fake_camera_write_register(fake, MacHigh, static_cast<guint32>(mac >> 32));
             arv_fake_camera_write_register(fake, MacLow, static_cast<guint32>(mac));
         }
-        if (spec.size() > 3)
-            writeText(fake, ModelName, spec[3], 32);
-        if (spec.size() > 4)
-            writeText(fake, UserName, spec[4], 16);
+        if (fields.size() > 3)
+            writeText(fake, ModelName, fields[3], 32);
+        if (fields.size() > 4)
+            writeText(fake, UserName, fields[4], 16);
         if (heartbeat > 0)
             arv_fake_camera_write_register(fake, HeartbeatTimeout, static_cast<guint32>(heartbeat));
         cameras.push_back(camera);
