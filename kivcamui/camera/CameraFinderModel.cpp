@@ -2,6 +2,7 @@
 
 #include <kiv/CMemFile.h>
 #include <kivcamui/plugin/Conversions.h>
+#include <kivcamui/plugin/MadeOnPool.h>
 #include <kivcamui/plugin/ReleasedOnPool.h>
 
 #include <QJSEngine>

@@ -3,7 +3,6 @@
 #include <kivcam/CCameraFinder.h>
 #include <kivcamui/camera/CameraInfo.h>
 #include <kivcamui/kivcamui_export.h>
-#include <kivcamui/plugin/MadeOnPool.h>
 #include <kivui/ObjectListModel.h>
 
 #include <QFutureWatcher>
@@ -15,6 +14,8 @@
 #include <stop_token>
 
 namespace kiv::cam::ui {
+
+template <typename T> class MadeOnPool;
 
 // Searches for connected cameras on a thread of Qt's global pool and lists what it found as
 // CameraInfo objects; also turns a description file, or its XML text, into a CameraInfo.

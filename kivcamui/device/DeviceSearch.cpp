@@ -3,6 +3,7 @@
 #include <kivcam/CInterfaces.h>
 #include <kivcamui/device/DeviceInfo.h>
 #include <kivcamui/plugin/Conversions.h>
+#include <kivcamui/plugin/MadeOnPool.h>
 #include <kivcamui/plugin/ReleasedOnPool.h>
 
 #include <QThreadPool>

@@ -4,7 +4,6 @@
 #include <kiv/TArray.h>
 #include <kivcam/IInterface.h>
 #include <kivcam/SDeviceInfo.h>
-#include <kivcamui/plugin/MadeOnPool.h>
 
 #include <QFuture>
 #include <QList>
@@ -16,6 +15,10 @@
 
 class DeviceInfo;
 class QThread;
+
+namespace kiv::cam::ui {
+template <typename T> class MadeOnPool;
+}
 
 // The device search of a discovery model: one task at a time on Qt's global pool, and the
 // sorted device objects made from what it found. The task makes the objects of the found
