@@ -52,6 +52,12 @@ bool CParameters::Exists(const CString& name) const
     return IndexOf(name) >= 0;
 }
 
+CString CParameters::TextOf(const CString& name) const
+{
+    const int index = IndexOf(name);
+    return index >= 0 ? m_entries[index].value().ToString() : CString();
+}
+
 CParameters::CEntry& CParameters::Add(CEntry entry)
 {
     if (const int index = IndexOf(entry.name); index >= 0) {

@@ -53,6 +53,8 @@ public:
     CEntry& operator[](const CString& name);
     const CEntry& operator[](const CString& name) const;
     bool Exists(const CString& name) const;
+    // The value of the entry of that name as text; empty when there is none.
+    CString TextOf(const CString& name) const;
 
     // Appends an entry, or replaces the entry of the same name in its place. Takes constant time
     // (amortised), so a collection of n entries is built in time proportional to n.

@@ -49,8 +49,8 @@ public:
     bool isEmulator = false; // a software emulator, hidden unless emulators are enabled
     SDeviceInfo defaultDevice; // template of a device of this transport filled in by hand
 
-protected:
-    // Waits for delay, or less when stop is requested; true when the whole delay passed.
+    // Waits for delay, or less when stop is requested; true when the whole delay passed. Scans
+    // wait through it, and so does whatever else of a transport waits on a stop token.
     static bool Wait(std::chrono::milliseconds delay, const std::stop_token& stop);
 };
 

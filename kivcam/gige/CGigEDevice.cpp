@@ -9,7 +9,6 @@
 #include <kivcam/network/CNetworkAdapters.h>
 
 #include <algorithm>
-#include <condition_variable>
 #include <set>
 
 namespace kiv::cam {
@@ -22,17 +21,6 @@ std::set<std::uint32_t>& controlled()
 {
     static std::set<std::uint32_t> addresses;
     return addresses;
-}
-
-CString parameterText(const SDeviceInfo& info, const char* name)
-{
-    return info.parameters.Exists(name) ? info.parameters[CString(name)].value().ToString()
-                                        : CString();
-}
-
-CString addressText(std::uint32_t address)
-{
-    return CNetworkAdapters::AddressText(address);
 }
 
 // How often to show the camera a sign of life: three times within its heartbeat timeout.
@@ -68,7 +56,7 @@ bool CGigEDevice::open(SDeviceInfo info, bool exclusive)
 bool CGigEDevice::Open(const SDeviceInfo& info, bool exclusive)
 {
     std::uint32_t address = 0;
-    const CString addressParameter = parameterText(info, CGigEInterface::AddressParameter);
+    const CString addressParameter = info.parameters.TextOf(CGigEInterface::AddressParameter);
     if (!CNetworkAdapters::ParseAddress(addressParameter, address)) {
         m_error = strprintf("\"%s\" is not the IPv4 address of a camera.", addressParameter.data());
         return false;
@@ -78,7 +66,7 @@ bool CGigEDevice::Open(const SDeviceInfo& info, bool exclusive)
                   "the network adapters it may use (for example \"eth1\", or \"*\" for all).";
         return false;
     }
-    CString adapterName = parameterText(info, CGigEInterface::AdapterParameter);
+    CString adapterName = info.parameters.TextOf(CGigEInterface::AdapterParameter);
     if (adapterName.empty()) {
         // A camera entered by hand is reached through the allowed adapter of its subnet.
         for (const SNetworkAdapter& adapter : CGigEConfig::Adapters()) {
@@ -90,7 +78,7 @@ bool CGigEDevice::Open(const SDeviceInfo& info, bool exclusive)
         if (adapterName.empty()) {
             m_error = strprintf("None of the adapters GigE Vision may use (%s) is in the subnet "
                                 "of the camera's address %s.",
-                CGigEConfig::AllowedText().data(), addressText(address).data());
+                CGigEConfig::AllowedText().data(), CNetworkAdapters::AddressText(address).data());
             return false;
         }
     }
@@ -109,16 +97,16 @@ bool CGigEDevice::Open(const SDeviceInfo& info, bool exclusive)
     if (!adapter.Reaches(address)) {
         std::uint32_t netmask = adapter.addresses[0].netmask;
         CNetworkAdapters::ParseAddress(
-            parameterText(info, CGigEInterface::SubnetMaskParameter), netmask);
+            info.parameters.TextOf(CGigEInterface::SubnetMaskParameter), netmask);
         std::uint64_t mac = 0;
-        gvcp::ParseMac(parameterText(info, CGigEInterface::MacParameter), mac);
+        gvcp::ParseMac(info.parameters.TextOf(CGigEInterface::MacParameter), mac);
         m_error = CGigEDiscovery::WrongSubnetMessage(adapter, address, netmask, mac);
         return false;
     }
     if (ControlledHere(address)) {
         m_error = strprintf("This program controls the camera at %s already; close that "
                             "connection first.",
-            addressText(address).data());
+            CNetworkAdapters::AddressText(address).data());
         return false;
     }
     if (!m_channel.Open(adapter, address, m_error))
@@ -130,7 +118,7 @@ bool CGigEDevice::Open(const SDeviceInfo& info, bool exclusive)
         = m_channel.ReadRegister(gvcp::REG_CONTROL_CHANNEL_PRIVILEGE, privilege, status);
     if (read == CGvcpChannel::NO_ANSWER || read == CGvcpChannel::FAILED) {
         m_error = strprintf("The camera at %s does not answer on the adapter \"%s\".",
-            addressText(address).data(), adapter.name.data());
+            CNetworkAdapters::AddressText(address).data(), adapter.name.data());
         return false;
     }
     if ((read == CGvcpChannel::REFUSED && status == gvcp::STATUS_ACCESS_DENIED)
@@ -138,14 +126,15 @@ bool CGigEDevice::Open(const SDeviceInfo& info, bool exclusive)
             && privilege & (gvcp::PRIVILEGE_CONTROL | gvcp::PRIVILEGE_EXCLUSIVE))) {
         m_error = strprintf("The camera at %s is controlled by another host or program. Close "
                             "the program that uses it, or wait until it lets the camera go.",
-            addressText(address).data());
+            CNetworkAdapters::AddressText(address).data());
         return false;
     }
     const std::uint32_t wanted = exclusive ? gvcp::PRIVILEGE_EXCLUSIVE : gvcp::PRIVILEGE_CONTROL;
     const CGvcpChannel::EResult taken
         = m_channel.WriteRegister(gvcp::REG_CONTROL_CHANNEL_PRIVILEGE, wanted, status);
     if (taken != CGvcpChannel::OK) {
-        m_error = strprintf("The camera at %s refused control: %s.", addressText(address).data(),
+        m_error = strprintf("The camera at %s refused control: %s.",
+            CNetworkAdapters::AddressText(address).data(),
             taken == CGvcpChannel::REFUSED ? gvcp::StatusText(status).data() : "no answer");
         return false;
     }
@@ -154,9 +143,9 @@ bool CGigEDevice::Open(const SDeviceInfo& info, bool exclusive)
         controlled().insert(address);
     }
     m_control = true;
+    // The camera's heartbeat timeout, or the usual 3 s when it does not say.
     std::uint32_t timeout = 3000;
-    if (m_channel.ReadRegister(gvcp::REG_HEARTBEAT_TIMEOUT, timeout, status) != CGvcpChannel::OK)
-        timeout = 3000;
+    m_channel.ReadRegister(gvcp::REG_HEARTBEAT_TIMEOUT, timeout, status);
     const std::chrono::milliseconds period = heartbeatPeriod(timeout);
     m_heartbeat = std::jthread([this, period](std::stop_token stop) { Heartbeat(stop, period); });
     return true;
@@ -167,14 +156,9 @@ void CGigEDevice::Heartbeat(std::stop_token stop, std::chrono::milliseconds peri
     // A camera that misses a few beats in a row has gone, or has given control to another.
     constexpr int MaxMissed = 3;
     int missed = 0;
-    std::mutex mutex;
-    std::condition_variable_any woken;
     for (;;) {
-        {
-            std::unique_lock lock(mutex);
-            if (woken.wait_for(lock, stop, period, [] { return false; }) || stop.stop_requested())
-                return;
-        }
+        if (!IInterface::Wait(period, stop))
+            return;
         std::uint32_t privilege = 0;
         std::uint16_t status = 0;
         switch (

@@ -35,11 +35,6 @@ void readPrivilege(SGigECamera& camera, const gvcp::SAck& ack)
     }
 }
 
-CString addressText(std::uint32_t address)
-{
-    return CNetworkAdapters::AddressText(address);
-}
-
 } // namespace
 
 bool CGigEDiscovery::Discover(const SNetworkAdapter& adapter, std::chrono::milliseconds wait,
@@ -122,7 +117,8 @@ bool CGigEDiscovery::ForceIp(const SNetworkAdapter& adapter, std::uint64_t mac,
     if (!netmask || !contiguous || !(address & netmask) || !(address & ~netmask)
         || (address & ~netmask) == ~netmask) {
         error = strprintf("%s with the netmask %s is not an address a camera can take.",
-            addressText(address).data(), addressText(netmask).data());
+            CNetworkAdapters::AddressText(address).data(),
+            CNetworkAdapters::AddressText(netmask).data());
         return false;
     }
     CUdpSocket socket;
@@ -155,7 +151,7 @@ bool CGigEDiscovery::ForceIp(const SNetworkAdapter& adapter, std::uint64_t mac,
                 continue;
             if (ack.status != gvcp::STATUS_SUCCESS) {
                 error = strprintf("The camera %s refused the address %s: %s.",
-                    gvcp::MacText(mac).data(), addressText(address).data(),
+                    gvcp::MacText(mac).data(), CNetworkAdapters::AddressText(address).data(),
                     gvcp::StatusText(ack.status).data());
                 return false;
             }
@@ -164,7 +160,8 @@ bool CGigEDiscovery::ForceIp(const SNetworkAdapter& adapter, std::uint64_t mac,
     }
     error = strprintf("No camera with the MAC address %s confirmed the address %s on the "
                       "adapter \"%s\".",
-        gvcp::MacText(mac).data(), addressText(address).data(), adapter.name.data());
+        gvcp::MacText(mac).data(), CNetworkAdapters::AddressText(address).data(),
+        adapter.name.data());
     return false;
 }
 
@@ -189,9 +186,10 @@ CString CGigEDiscovery::WrongSubnetMessage(
                      "other. Give the camera an address in the adapter's subnet (a temporary "
                      "one can be assigned by its MAC address %s) or give the adapter an address "
                      "in the camera's subnet.",
-        addressText(address).data(), addressText(netmask).data(), adapter.name.data(),
-        addressText(own.address).data(), addressText(own.netmask).data(),
-        gvcp::MacText(mac).data());
+        CNetworkAdapters::AddressText(address).data(),
+        CNetworkAdapters::AddressText(netmask).data(), adapter.name.data(),
+        CNetworkAdapters::AddressText(own.address).data(),
+        CNetworkAdapters::AddressText(own.netmask).data(), gvcp::MacText(mac).data());
 }
 
 } // namespace kiv::cam

@@ -18,11 +18,6 @@ namespace kiv::cam {
 
 namespace {
 
-CString addressText(std::uint32_t address)
-{
-    return CNetworkAdapters::AddressText(address);
-}
-
 void addText(SDeviceInfo& device, const char* name, const char* displayName,
     const char* description, CParameters::EEditLevel level, const CString& value)
 {
@@ -62,7 +57,8 @@ std::pair<CString, CString> diagnose(const SGigECamera& camera)
         strprintf("The camera answered the discovery broadcast on the adapter \"%s\" but not a "
                   "read of its control register at %s. A firewall may hold back its answers "
                   "(UDP port %u), or the camera is restarting.",
-            camera.adapter.name.data(), addressText(device.address).data(), unsigned{gvcp::Port})};
+            camera.adapter.name.data(), CNetworkAdapters::AddressText(device.address).data(),
+            unsigned{gvcp::Port})};
 }
 
 // The camera type of a model: the first of the catalogue that lists the model, or the generic
@@ -160,27 +156,28 @@ SDeviceInfo CGigEInterface::DeviceRecord(const SGigECamera& camera) const
     const gvcp::SDiscoveryAck& found = camera.device;
     SDeviceInfo device;
     device.interfaceName = name;
-    device.deviceName = found.mac ? gvcp::MacText(found.mac) : addressText(found.address);
+    device.deviceName
+        = found.mac ? gvcp::MacText(found.mac) : CNetworkAdapters::AddressText(found.address);
     device.baseType = baseType;
     device.iconName = icon;
-    device.description
-        = strprintf("%s %s (%s) at %s on %s", found.manufacturer.data(), found.model.data(),
-            found.serial.data(), addressText(found.address).data(), camera.adapter.name.data());
+    device.description = strprintf("%s %s (%s) at %s on %s", found.manufacturer.data(),
+        found.model.data(), found.serial.data(),
+        CNetworkAdapters::AddressText(found.address).data(), camera.adapter.name.data());
     constexpr auto never = CParameters::EDIT_NEVER;
     addText(device, AddressParameter, "IP address", "The camera's IPv4 address", never,
-        addressText(found.address));
+        CNetworkAdapters::AddressText(found.address));
     addText(device, SubnetMaskParameter, "Subnet mask", "The camera's subnet mask", never,
-        addressText(found.netmask));
+        CNetworkAdapters::AddressText(found.netmask));
     addText(device, GatewayParameter, "Gateway", "The camera's default gateway", never,
-        addressText(found.gateway));
+        CNetworkAdapters::AddressText(found.gateway));
     addText(device, MacParameter, "MAC address", "The camera's hardware address", never,
         gvcp::MacText(found.mac));
     addText(device, AdapterParameter, "Adapter", "The network adapter the camera answered on",
         never, camera.adapter.name);
     addText(device, AdapterAddressParameter, "Adapter address",
         "The address and netmask of that adapter", never,
-        addressText(camera.adapter.addresses[0].address) + "/"
-            + addressText(camera.adapter.addresses[0].netmask));
+        CNetworkAdapters::AddressText(camera.adapter.addresses[0].address) + "/"
+            + CNetworkAdapters::AddressText(camera.adapter.addresses[0].netmask));
     addText(device, DeviceVersionParameter, "Device version", "The camera's version text", never,
         found.deviceVersion);
     auto [summary, message] = diagnose(camera);
@@ -224,17 +221,12 @@ SCameraInfo CGigEInterface::CameraRecord(const SGigECamera& camera) const
 bool CGigEInterface::ForceIp(const SDeviceInfo& device, const CString& address,
     const CString& netmask, const CString& gateway, CString& error)
 {
-    const auto text = [&device](const char* parameter) {
-        return device.parameters.Exists(parameter)
-            ? device.parameters[CString(parameter)].value().ToString()
-            : CString();
-    };
     std::uint64_t mac = 0;
-    if (!gvcp::ParseMac(text(MacParameter), mac)) {
+    if (!gvcp::ParseMac(device.parameters.TextOf(MacParameter), mac)) {
         error = "The record names no camera by its MAC address.";
         return false;
     }
-    const CString adapterName = text(AdapterParameter);
+    const CString adapterName = device.parameters.TextOf(AdapterParameter);
     if (!CGigEConfig::Allows(adapterName)) {
         error = strprintf("The adapter \"%s\" is not among those GigE Vision may use (%s).",
             adapterName.data(), CGigEConfig::AllowedText().data());

@@ -12,9 +12,7 @@ namespace kiv::cam {
 bool CNetworkDevice::open(SDeviceInfo info, bool)
 {
     std::lock_guard lock(m_mutex);
-    const CString name = info.parameters.Exists(CNetworkInterface::AdapterParameter)
-        ? info.parameters[CString(CNetworkInterface::AdapterParameter)].value().ToString()
-        : CString();
+    const CString name = info.parameters.TextOf(CNetworkInterface::AdapterParameter);
     SNetworkAdapter adapter;
     if (m_open)
         m_error = "The adapter is open already.";

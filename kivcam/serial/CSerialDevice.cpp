@@ -84,12 +84,6 @@ CString openError(const CString& path, int error)
     }
 }
 
-CString parameterText(const SDeviceInfo& info, const char* name)
-{
-    return info.parameters.Exists(name) ? info.parameters[CString(name)].value().ToString()
-                                        : CString();
-}
-
 } // namespace
 
 CSerialDevice::~CSerialDevice()
@@ -113,7 +107,7 @@ bool CSerialDevice::open(SDeviceInfo info, bool exclusive)
 
 bool CSerialDevice::Open(const SDeviceInfo& info, bool exclusive)
 {
-    CString path = parameterText(info, CSerialInterface::ControlParameter);
+    CString path = info.parameters.TextOf(CSerialInterface::ControlParameter);
     if (path.empty())
         path = CString("/dev/") + info.deviceName;
     const long long rate = info.parameters.Exists(CSerialInterface::BaudRateParameter)

@@ -63,6 +63,15 @@ private slots:
         QVERIFY(!parameters.Exists(CString()));
         QCOMPARE(&parameters[CString("BaudRate")], &parameters[1u]);
     }
+    void textOfAnEntryOrEmpty()
+    {
+        const CParameters parameters = sample();
+        QCOMPARE(QByteArray(parameters.TextOf("Control").c_str()), QByteArray("COM1"));
+        QCOMPARE(QByteArray(parameters.TextOf("BaudRate").c_str()), QByteArray("9600"));
+        QCOMPARE(QByteArray(parameters.TextOf("Timeout").c_str()), QByteArray("500"));
+        QVERIFY(parameters.TextOf("control").empty());
+        QVERIFY(parameters.TextOf(CString()).empty());
+    }
     void unknownNameAndIndexThrow()
     {
         CParameters parameters = sample();
