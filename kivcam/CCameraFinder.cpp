@@ -4,24 +4,17 @@
 #include "CControllerFactory.h"
 #include "FalseOnThrow.h"
 #include "InterfaceScan.h"
-
-#include <atomic>
-#include <optional>
+#include "TEmulatorSwitch.h"
 
 namespace kiv::cam {
 
 namespace {
 
-std::atomic<bool> emulatorsEnabled{false};
-// The switch set on this thread since this thread's last search.
-thread_local std::optional<bool> threadEmulatorsEnabled;
-
-// The switch for a search starting on this thread, which uses up the thread's own value.
-bool takeEmulatorsEnabled()
+// The switch of every finder.
+TEmulatorSwitch<CCameraFinder>& emulatorSwitch()
 {
-    const bool enable = threadEmulatorsEnabled.value_or(emulatorsEnabled.load());
-    threadEmulatorsEnabled.reset();
-    return enable;
+    static TEmulatorSwitch<CCameraFinder> instance;
+    return instance;
 }
 
 void refuse(SCameraInfo& camera, CString summary, CString message)
@@ -76,7 +69,7 @@ bool CCameraFinder::Find(TArray<CString> cameraNames, unsigned flags)
 
 bool CCameraFinder::Find(unsigned flags, std::stop_token stop)
 {
-    const bool emulators = takeEmulatorsEnabled();
+    const bool emulators = emulatorSwitch().take();
     m_cameras.clear();
     return FalseOnThrow([&] {
         TArray<SCameraInfo> found;
@@ -122,13 +115,12 @@ TArray<SCameraInfo> CCameraFinder::Take()
 
 void CCameraFinder::setEnableEmulators(bool enable)
 {
-    emulatorsEnabled = enable;
-    threadEmulatorsEnabled = enable;
+    emulatorSwitch().set(enable);
 }
 
 bool CCameraFinder::enableEmulators()
 {
-    return threadEmulatorsEnabled.value_or(emulatorsEnabled.load());
+    return emulatorSwitch().get();
 }
 
 } // namespace kiv::cam

@@ -6,21 +6,7 @@
 
 namespace kiv::cam {
 
-namespace {
-
-std::atomic<std::uint64_t> catalogueCount{0};
-
-// The switch set on this thread since this thread's last device search, and the catalogue it
-// was set on.
-struct SThreadSwitch {
-    std::uint64_t catalogue = 0;
-    bool enable = false;
-};
-thread_local SThreadSwitch threadSwitch;
-
-} // namespace
-
-CInterfaces::CInterfaces() : m_id(++catalogueCount)
+CInterfaces::CInterfaces()
 {
     for (const TSharedPtr<CBackend>& backend : CBackend::all())
         backend->interfaces(m_interfaces);
@@ -50,21 +36,12 @@ int CInterfaces::interfaceCount()
 
 void CInterfaces::setEnableEmulators(bool enable)
 {
-    m_enableEmulators = enable;
-    threadSwitch = {m_id, enable};
+    m_enableEmulators.set(enable);
 }
 
 bool CInterfaces::enableEmulators() const
 {
-    return threadSwitch.catalogue == m_id ? threadSwitch.enable : m_enableEmulators.load();
-}
-
-bool CInterfaces::TakeEnableEmulators() const
-{
-    const bool enable = enableEmulators();
-    if (threadSwitch.catalogue == m_id)
-        threadSwitch = {};
-    return enable;
+    return m_enableEmulators.get();
 }
 
 bool CInterfaces::findDevices(TArray<SDeviceInfo>& out, unsigned flags)
@@ -79,7 +56,7 @@ bool CInterfaces::findDevicesOf(TArray<SDeviceInfo>& out, TArray<CString> baseTy
 
 bool CInterfaces::findDevices(TArray<SDeviceInfo>& out, unsigned flags, std::stop_token stop)
 {
-    const bool emulators = TakeEnableEmulators();
+    const bool emulators = m_enableEmulators.take();
     return FalseOnThrow([&] {
         return ScanInterfaces(*this, emulators, (flags & FIND_EMULATORS_ONLY) != 0,
             &IInterface::findDevices, out, stop);

@@ -5,10 +5,9 @@
 #include <kiv/TSharedPtr.h>
 #include <kivcam/IInterface.h>
 #include <kivcam/SDeviceInfo.h>
+#include <kivcam/TEmulatorSwitch.h>
 #include <kivcam/kivcam_export.h>
 
-#include <atomic>
-#include <cstdint>
 #include <stop_token>
 
 namespace kiv::cam {
@@ -55,12 +54,8 @@ public:
     bool enableEmulators() const;
 
 private:
-    // The switch for a search starting on this thread, which uses up the thread's own value.
-    bool TakeEnableEmulators() const;
-
     TArray<TSharedPtr<IInterface>> m_interfaces;
-    std::atomic<bool> m_enableEmulators{false};
-    const std::uint64_t m_id; // tells this catalogue's switch from another's in a thread's memory
+    TEmulatorSwitch<CInterfaces> m_enableEmulators;
 };
 
 KIVCAM_EXPORT CInterfaces* interfaces();

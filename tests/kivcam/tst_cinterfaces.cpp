@@ -1,5 +1,6 @@
 #include "TestBackend.h"
 
+#include <kivcam/CCameraFinder.h>
 #include <kivcam/CInterfaces.h>
 
 #include <QTest>
@@ -10,6 +11,7 @@
 
 using kiv::CString;
 using kiv::TArray;
+using kiv::cam::CCameraFinder;
 using kiv::cam::CInterfaces;
 using kiv::cam::interfaces;
 using kiv::cam::SDeviceInfo;
@@ -182,6 +184,20 @@ private slots:
         other.setEnableEmulators(true);
         QVERIFY(!interfaces()->enableEmulators());
         QVERIFY(other.enableEmulators());
+    }
+    void finderSwitchIsAnotherOne()
+    {
+        // This thread sets both switches one after the other, and then another thread sets both
+        // the other way: each of this thread's values serves its own switch still.
+        interfaces()->setEnableEmulators(true);
+        CCameraFinder::setEnableEmulators(true);
+        std::thread([] {
+            interfaces()->setEnableEmulators(false);
+            CCameraFinder::setEnableEmulators(false);
+        }).join();
+        QVERIFY(interfaces()->enableEmulators());
+        QVERIFY(CCameraFinder::enableEmulators());
+        CCameraFinder::setEnableEmulators(false);
     }
     void createsUnopenedDevices()
     {
