@@ -44,6 +44,16 @@ void CEmulatorFrameSource::unsubscribe(IFrameListener* listener)
     }
 }
 
+template <class Call> void CEmulatorFrameSource::forEachListener(bool whileStreaming, Call call)
+{
+    // A copy: the calls may change the list.
+    const TArray<IFrameListener*> listeners = m_listeners;
+    for (IFrameListener* listener : listeners) {
+        if ((!whileStreaming || m_streaming) && m_listeners.contains(listener))
+            call(listener);
+    }
+}
+
 double CEmulatorFrameSource::frameRate() const
 {
     const std::lock_guard lock(m_stateMutex);
@@ -81,11 +91,7 @@ bool CEmulatorFrameSource::start(const SCameraInfo& camera)
         const std::lock_guard lock(m_listenerMutex);
         m_camera = camera;
         m_streaming = true;
-        const TArray<IFrameListener*> listeners = m_listeners;
-        for (IFrameListener* listener : listeners) {
-            if (m_streaming && m_listeners.contains(listener))
-                listener->streamStarted(camera);
-        }
+        forEachListener(true, [&](IFrameListener* listener) { listener->streamStarted(camera); });
     }
     m_thread = std::thread(&CEmulatorFrameSource::run, this);
     return true;
@@ -182,12 +188,7 @@ void CEmulatorFrameSource::run()
 void CEmulatorFrameSource::deliver(const TSharedPtr<const CImage>& image)
 {
     const std::lock_guard lock(m_listenerMutex);
-    // A copy: listeners may subscribe and unsubscribe from within their calls.
-    const TArray<IFrameListener*> listeners = m_listeners;
-    for (IFrameListener* listener : listeners) {
-        if (m_streaming && m_listeners.contains(listener))
-            listener->frameArrived(image);
-    }
+    forEachListener(true, [&](IFrameListener* listener) { listener->frameArrived(image); });
 }
 
 void CEmulatorFrameSource::stopped()
@@ -196,11 +197,7 @@ void CEmulatorFrameSource::stopped()
     if (!m_streaming)
         return;
     m_streaming = false;
-    const TArray<IFrameListener*> listeners = m_listeners;
-    for (IFrameListener* listener : listeners) {
-        if (m_listeners.contains(listener))
-            listener->streamStopped();
-    }
+    forEachListener(false, [](IFrameListener* listener) { listener->streamStopped(); });
 }
 
 } // namespace kiv::cam

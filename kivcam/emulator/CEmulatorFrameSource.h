@@ -46,6 +46,10 @@ private:
     void halt();
     void run();
     void deliver(const TSharedPtr<const CImage>& image);
+    // Calls call with each listener that is still subscribed at its turn and, with
+    // whileStreaming, as long as the stream runs: a listener may subscribe, unsubscribe or stop
+    // the stream from within its own call. The caller holds m_listenerMutex.
+    template <class Call> void forEachListener(bool whileStreaming, Call call);
     void stopped();
     bool onStreamThread() const { return m_streamThread.load() == std::this_thread::get_id(); }
 
