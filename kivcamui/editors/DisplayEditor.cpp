@@ -169,12 +169,7 @@ void DisplayEditor::mouseMoveEvent(QMouseEvent* event)
     const QPoint offset(
         place(m_offsetAtPress.x(), d.x(), m_increment.x(), min.x(), m_displaySize.width()),
         place(m_offsetAtPress.y(), d.y(), m_increment.y(), min.y(), m_displaySize.height()));
-    if (offset == m_offset)
-        return;
-    m_offset = offset;
-    emit offsetChanged();
-    emit isValidChanged();
-    update();
+    setOffset(offset);
 }
 
 void DisplayEditor::hoverMoveEvent(QHoverEvent* event)
