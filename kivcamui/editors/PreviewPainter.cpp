@@ -10,7 +10,18 @@
 
 namespace kiv::cam::ui {
 
-PreviewPainter::PreviewPainter() : m_image(QStringLiteral(":/kivcamui/images/wspreview.png"))
+namespace {
+
+// Decoded once: every editor shares the same pixels.
+const QImage& previewPicture()
+{
+    static const QImage picture(QStringLiteral(":/kivcamui/images/wspreview.png"));
+    return picture;
+}
+
+} // namespace
+
+PreviewPainter::PreviewPainter() : m_image(previewPicture())
 {
 }
 
