@@ -22,17 +22,14 @@ QString deviceText(const SDeviceInfo& device)
     return toQString(device.interfaceName) + ": " + toQString(device.deviceName);
 }
 
-// The display image as a picture in the format Qt Quick draws fastest. The display image stays
-// alive as long as the wrapper that is converted from.
-QImage pictureOf(const TSharedPtr<const CImage>& display)
+// A copy of the display image in the format Qt Quick draws fastest.
+QImage pictureOf(const CImage& display)
 {
     const QImage::Format format
-        = display->channels() == 1 ? QImage::Format_Grayscale8 : QImage::Format_RGBX8888;
-    auto* owner = new TSharedPtr<const CImage>(display);
-    const QImage wrapped(
-        display->bits(), display->width(), display->height(),
-        static_cast<qsizetype>(display->stride()), format,
-        [](void* image) { delete static_cast<TSharedPtr<const CImage>*>(image); }, owner);
+        = display.channels() == 1 ? QImage::Format_Grayscale8 : QImage::Format_RGBX8888;
+    // Read in place, for the conversion only, which always copies: no format above is RGB32.
+    const QImage wrapped(display.bits(), display.width(), display.height(),
+        static_cast<qsizetype>(display.stride()), format);
     return wrapped.convertToFormat(QImage::Format_RGB32);
 }
 
@@ -110,7 +107,7 @@ void EmulatorControllerModel::frameArrived(const TSharedPtr<const CImage>& frame
         display = m_fallbackFilter(frame);
     if (!display)
         return;
-    QImage picture = pictureOf(display);
+    QImage picture = pictureOf(*display);
     {
         const std::lock_guard lock(m_pendingMutex);
         m_pending = std::move(picture);
