@@ -6,16 +6,17 @@
 
 #include <utility>
 
-// Every signal that an object's own class declares, by name, in the order they come.
+// Every signal that an object's own class declares, by name, in the order they come. With from,
+// one of the object's base classes, those that class and the classes derived from it declare.
 class SignalLog : public QObject {
     Q_OBJECT
 
 public:
-    explicit SignalLog(QObject* object)
+    explicit SignalLog(QObject* object, const QMetaObject* from = nullptr)
     {
         const QMetaObject* meta = object->metaObject();
         const QMetaMethod record = metaObject()->method(metaObject()->indexOfSlot("record()"));
-        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
+        for (int i = (from ? from : meta)->methodOffset(); i < meta->methodCount(); ++i) {
             if (meta->method(i).methodType() == QMetaMethod::Signal)
                 connect(object, meta->method(i), this, record);
         }

@@ -1,4 +1,5 @@
 #include "EditorScene.h"
+#include "SignalLog.h"
 
 #include <kivcamui/editors/DisplayEditor.h>
 
@@ -8,35 +9,11 @@
 #include <QTest>
 
 using kiv::cam::ui::DisplayEditor;
+using kiv::cam::ui::EditorItem;
 
 namespace {
 
 using Scene = EditorScene<DisplayEditor>;
-
-// The order in which the editor announces its properties.
-QStringList* recordSignals(DisplayEditor* editor)
-{
-    auto* names = new QStringList;
-    QObject::connect(editor, &QObject::destroyed, [names] { delete names; });
-    const auto record = [editor, names](void (DisplayEditor::*signal)(), const char* name) {
-        QObject::connect(editor, signal, [names, name] { names->append(name); });
-    };
-    record(&DisplayEditor::hFlipChanged, "hFlip");
-    record(&DisplayEditor::vFlipChanged, "vFlip");
-    record(&DisplayEditor::windowChanged, "window");
-    record(&DisplayEditor::fpaSizeChanged, "fpaSize");
-    record(&DisplayEditor::displaySizeChanged, "displaySize");
-    record(&DisplayEditor::incrementChanged, "increment");
-    record(&DisplayEditor::offsetChanged, "offset");
-    record(&DisplayEditor::offsetMinChanged, "offsetMin");
-    record(&DisplayEditor::offsetMaxChanged, "offsetMax");
-    record(&DisplayEditor::trackingChanged, "tracking");
-    record(&DisplayEditor::isValidChanged, "isValid");
-    record(&DisplayEditor::zoomChanged, "zoom");
-    record(&DisplayEditor::offsetTypeChanged, "offsetType");
-    record(&DisplayEditor::showNtscLinesChanged, "showNtscLines");
-    return names;
-}
 
 // An item under the editor that takes the presses the editor lets through.
 class PressCatcher : public QQuickItem {
@@ -108,15 +85,16 @@ private slots:
         QTest::addColumn<QString>("property");
         QTest::addColumn<QVariant>("value");
         QTest::addColumn<QStringList>("expected");
-        QTest::newRow("hFlip") << "hFlip" << QVariant(true) << QStringList{"hFlip"};
-        QTest::newRow("vFlip") << "vFlip" << QVariant(true) << QStringList{"vFlip"};
+        QTest::newRow("hFlip") << "hFlip" << QVariant(true) << QStringList{"hFlipChanged"};
+        QTest::newRow("vFlip") << "vFlip" << QVariant(true) << QStringList{"vFlipChanged"};
         QTest::newRow("offsetType")
             << "offsetType" << QVariant::fromValue(DisplayEditor::OFFSET_CUSTOM)
-            << QStringList{"offsetType"};
+            << QStringList{"offsetTypeChanged"};
         QTest::newRow("showNtscLines")
-            << "showNtscLines" << QVariant(true) << QStringList{"showNtscLines"};
+            << "showNtscLines" << QVariant(true) << QStringList{"showNtscLinesChanged"};
         QTest::newRow("window") << "window" << QVariant(QRect(10, 20, 320, 256))
-                                << QStringList{"window", "offsetMin", "isValid"};
+                                << QStringList{
+                                       "windowChanged", "offsetMinChanged", "isValidChanged"};
         QTest::newRow("window negative x")
             << "window" << QVariant(QRect(-1, 0, 320, 256)) << QStringList();
         QTest::newRow("window negative y")
@@ -126,27 +104,30 @@ private slots:
         QTest::newRow("window empty height")
             << "window" << QVariant(QRect(0, 0, 320, 0)) << QStringList();
         QTest::newRow("fpaSize") << "fpaSize" << QVariant(QSize(320, 256))
-                                 << QStringList{"fpaSize"};
+                                 << QStringList{"fpaSizeChanged"};
         QTest::newRow("fpaSize empty") << "fpaSize" << QVariant(QSize(0, 256)) << QStringList();
-        QTest::newRow("displaySize") << "displaySize" << QVariant(QSize(720, 576))
-                                     << QStringList{"displaySize", "offsetMax", "isValid"};
+        QTest::newRow("displaySize")
+            << "displaySize" << QVariant(QSize(720, 576))
+            << QStringList{"displaySizeChanged", "offsetMaxChanged", "isValidChanged"};
         QTest::newRow("displaySize empty")
             << "displaySize" << QVariant(QSize(720, -1)) << QStringList();
-        QTest::newRow("increment")
-            << "increment" << QVariant(QPoint(2, 2)) << QStringList{"increment", "isValid"};
+        QTest::newRow("increment") << "increment" << QVariant(QPoint(2, 2))
+                                   << QStringList{"incrementChanged", "isValidChanged"};
         QTest::newRow("increment 0") << "increment" << QVariant(QPoint(0, 2)) << QStringList();
         QTest::newRow("increment y 0") << "increment" << QVariant(QPoint(2, 0)) << QStringList();
         QTest::newRow("offset") << "offset" << QVariant(QPoint(5, 7))
-                                << QStringList{"offset", "isValid"};
+                                << QStringList{"offsetChanged", "isValidChanged"};
         // Not clamped: stored and reported invalid.
-        QTest::newRow("offset out of range")
-            << "offset" << QVariant(QPoint(-10000, 99999)) << QStringList{"offset", "isValid"};
+        QTest::newRow("offset out of range") << "offset" << QVariant(QPoint(-10000, 99999))
+                                             << QStringList{"offsetChanged", "isValidChanged"};
         QTest::newRow("zoom") << "zoom" << QVariant(2.5f)
-                              << QStringList{"zoom", "offsetMin", "isValid"};
+                              << QStringList{"zoomChanged", "offsetMinChanged", "isValidChanged"};
         QTest::newRow("zoom fit") << "zoom" << QVariant(0.0f)
-                                  << QStringList{"zoom", "offsetMin", "isValid"};
+                                  << QStringList{
+                                         "zoomChanged", "offsetMinChanged", "isValidChanged"};
         QTest::newRow("zoom negative")
-            << "zoom" << QVariant(-1.0f) << QStringList{"zoom", "offsetMin", "isValid"};
+            << "zoom" << QVariant(-1.0f)
+            << QStringList{"zoomChanged", "offsetMinChanged", "isValidChanged"};
     }
     void settersAnnounce()
     {
@@ -154,24 +135,23 @@ private slots:
         QFETCH(QVariant, value);
         QFETCH(QStringList, expected);
         DisplayEditor editor;
-        QStringList* order = recordSignals(&editor);
+        SignalLog log(&editor, &EditorItem::staticMetaObject);
         QVERIFY(editor.setProperty(property.toLatin1(), value));
-        QCOMPARE(*order, expected);
+        QCOMPARE(log.take(), expected);
         if (!expected.isEmpty())
             QCOMPARE(editor.property(property.toLatin1()), value);
-        order->clear();
         QVERIFY(editor.setProperty(property.toLatin1(), value));
-        QCOMPARE(*order, QStringList());
+        QCOMPARE(log.take(), QStringList());
     }
     void offsetTypeLeavesTheOffset()
     {
         DisplayEditor editor;
         editor.setOffset(QPoint(33, 44));
-        QStringList* order = recordSignals(&editor);
+        SignalLog log(&editor, &EditorItem::staticMetaObject);
         editor.setOffsetType(DisplayEditor::OFFSET_SAME_AS_FPA);
         editor.setOffsetType(DisplayEditor::OFFSET_CUSTOM);
         QCOMPARE(editor.offset(), QPoint(33, 44));
-        QCOMPARE(*order, (QStringList{"offsetType", "offsetType"}));
+        QCOMPARE(log.take(), (QStringList{"offsetTypeChanged", "offsetTypeChanged"}));
     }
     void signalsCarryTheirProperties()
     {
@@ -284,7 +264,7 @@ private slots:
         Scene scene(QSize(640, 480));
         setUpCustom(scene);
         QVERIFY(scene.show());
-        QStringList* order = recordSignals(scene.editor);
+        SignalLog log(scene.editor, &EditorItem::staticMetaObject);
         scene.press(QPoint(100, 100));
         QVERIFY(scene.editor->tracking());
         QCOMPARE(scene.window.mouseGrabberItem(), scene.editor);
@@ -295,12 +275,12 @@ private slots:
         scene.release(QPoint(90, 150));
         QVERIFY(!scene.editor->tracking());
         QCOMPARE(scene.window.mouseGrabberItem(), nullptr);
-        QCOMPARE(*order,
-            (QStringList{"tracking", "offset", "isValid", "offset", "isValid", "tracking"}));
+        QCOMPARE(log.take(),
+            (QStringList{"trackingChanged", "offsetChanged", "isValidChanged", "offsetChanged",
+                "isValidChanged", "trackingChanged"}));
         // After the release moves change nothing.
-        order->clear();
         scene.move(QPoint(200, 200));
-        QCOMPARE(*order, QStringList());
+        QCOMPARE(log.take(), QStringList());
     }
     void dragSnapsHalvesAwayFromZero()
     {
@@ -398,9 +378,9 @@ private slots:
         // From the custom cursor, which a hover must turn back to the arrow.
         scene.editor->setCursor(Qt::SizeAllCursor);
         QCOMPARE(scene.hoverCursor(QPoint(100, 100)), Qt::ArrowCursor);
-        QStringList* order = recordSignals(scene.editor);
+        SignalLog log(scene.editor, &EditorItem::staticMetaObject);
         scene.drag(QPoint(100, 100), QPoint(150, 150));
-        QCOMPARE(*order, QStringList());
+        QCOMPARE(log.take(), QStringList());
         QCOMPARE(scene.editor->offset(), QPoint(0, 0));
         QCOMPARE(catcher->presses, 1);
     }

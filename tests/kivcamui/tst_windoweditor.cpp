@@ -1,4 +1,5 @@
 #include "EditorScene.h"
+#include "SignalLog.h"
 
 #include <kivcamui/editors/WindowEditor.h>
 
@@ -7,6 +8,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using kiv::cam::ui::EditorItem;
 using kiv::cam::ui::WindowEditor;
 
 namespace {
@@ -22,29 +24,6 @@ void setUpSensor(Scene& scene, QRect window = QRect(100, 100, 200, 100))
 {
     scene.editor->setMaxSize(QSize(640, 512));
     scene.editor->setWindow(window);
-}
-
-// The order in which the editor announces its properties.
-QStringList* recordSignals(WindowEditor* editor)
-{
-    auto* names = new QStringList;
-    QObject::connect(editor, &QObject::destroyed, [names] { delete names; });
-    const auto record = [editor, names](void (WindowEditor::*signal)(), const char* name) {
-        QObject::connect(editor, signal, [names, name] { names->append(name); });
-    };
-    record(&WindowEditor::hFlipChanged, "hFlip");
-    record(&WindowEditor::vFlipChanged, "vFlip");
-    record(&WindowEditor::windowChanged, "window");
-    record(&WindowEditor::minSizeChanged, "minSize");
-    record(&WindowEditor::maxSizeChanged, "maxSize");
-    record(&WindowEditor::incrementChanged, "increment");
-    record(&WindowEditor::trackingChanged, "tracking");
-    record(&WindowEditor::isWindowValidChanged, "isWindowValid");
-    record(&WindowEditor::centeredOnlyChanged, "centeredOnly");
-    record(&WindowEditor::isSubWindowChanged, "isSubWindow");
-    record(&WindowEditor::fullSizeChanged, "fullSize");
-    record(&WindowEditor::subWindowPositionChanged, "subWindowPosition");
-    return names;
 }
 
 } // namespace
@@ -96,16 +75,16 @@ private slots:
         Scene scene(QSize(640, 512));
         setUpSensor(scene);
         QVERIFY(scene.show());
-        QStringList* order = recordSignals(scene.editor);
+        SignalLog log(scene.editor, &EditorItem::staticMetaObject);
 
         scene.press(from);
         QVERIFY(scene.editor->tracking());
-        QCOMPARE(*order, QStringList{"tracking"});
+        QCOMPARE(log.take(), QStringList{"trackingChanged"});
         scene.move(from + QPoint(20, 10));
         QCOMPARE(scene.editor->window(), expected);
         scene.release(from + QPoint(20, 10));
         QVERIFY(!scene.editor->tracking());
-        QCOMPARE(*order, (QStringList{"tracking", "window", "tracking"}));
+        QCOMPARE(log.take(), (QStringList{"windowChanged", "trackingChanged"}));
     }
 
     void hoverCursors_data()
@@ -473,10 +452,10 @@ private slots:
     {
         QFETCH(QRect, window);
         WindowEditor editor;
-        QStringList* order = recordSignals(&editor);
+        SignalLog log(&editor, &EditorItem::staticMetaObject);
         editor.setWindow(window);
         QCOMPARE(editor.window(), QRect(0, 0, 320, 256));
-        QCOMPARE(*order, QStringList());
+        QCOMPARE(log.take(), QStringList());
     }
 
     void setWindowCentresInCentredMode()
@@ -546,35 +525,37 @@ private slots:
         QTest::addColumn<QString>("property");
         QTest::addColumn<QVariant>("value");
         QTest::addColumn<QStringList>("expected");
-        QTest::newRow("hFlip") << "hFlip" << QVariant(true) << QStringList{"hFlip"};
-        QTest::newRow("vFlip") << "vFlip" << QVariant(true) << QStringList{"vFlip"};
+        QTest::newRow("hFlip") << "hFlip" << QVariant(true) << QStringList{"hFlipChanged"};
+        QTest::newRow("vFlip") << "vFlip" << QVariant(true) << QStringList{"vFlipChanged"};
         QTest::newRow("window") << "window" << QVariant(QRect(0, 0, 100, 100))
-                                << QStringList{"window"};
-        QTest::newRow("window made invalid") << "window" << QVariant(QRect(1, 0, 400, 100))
-                                             << QStringList{"window", "isWindowValid"};
-        QTest::newRow("minSize") << "minSize" << QVariant(QSize(2, 3)) << QStringList{"minSize"};
+                                << QStringList{"windowChanged"};
+        QTest::newRow("window made invalid")
+            << "window" << QVariant(QRect(1, 0, 400, 100))
+            << QStringList{"windowChanged", "isWindowValidChanged"};
+        QTest::newRow("minSize") << "minSize" << QVariant(QSize(2, 3))
+                                 << QStringList{"minSizeChanged"};
         QTest::newRow("minSize 0 wide") << "minSize" << QVariant(QSize(0, 3)) << QStringList();
         QTest::newRow("minSize 0 high") << "minSize" << QVariant(QSize(2, 0)) << QStringList();
         // Validity follows the sizes and increment, but they do not announce it.
         QTest::newRow("minSize beyond the window")
-            << "minSize" << QVariant(QSize(400, 3)) << QStringList{"minSize"};
+            << "minSize" << QVariant(QSize(400, 3)) << QStringList{"minSizeChanged"};
         QTest::newRow("maxSize") << "maxSize" << QVariant(QSize(100, 100))
-                                 << QStringList{"maxSize"};
+                                 << QStringList{"maxSizeChanged"};
         QTest::newRow("maxSize negative") << "maxSize" << QVariant(QSize(-1, 100)) << QStringList();
         QTest::newRow("increment")
-            << "increment" << QVariant(QPoint(3, 3)) << QStringList{"increment"};
+            << "increment" << QVariant(QPoint(3, 3)) << QStringList{"incrementChanged"};
         QTest::newRow("increment 0") << "increment" << QVariant(QPoint(0, 3)) << QStringList();
         QTest::newRow("increment y 0") << "increment" << QVariant(QPoint(3, 0)) << QStringList();
         QTest::newRow("centeredOnly, still valid")
-            << "centeredOnly" << QVariant(true) << QStringList{"centeredOnly"};
+            << "centeredOnly" << QVariant(true) << QStringList{"centeredOnlyChanged"};
         QTest::newRow("isSubWindow")
-            << "isSubWindow" << QVariant(true) << QStringList{"isSubWindow"};
+            << "isSubWindow" << QVariant(true) << QStringList{"isSubWindowChanged"};
         QTest::newRow("fullSize") << "fullSize" << QVariant(QSize(640, 512))
-                                  << QStringList{"fullSize"};
+                                  << QStringList{"fullSizeChanged"};
         QTest::newRow("fullSize, any size")
-            << "fullSize" << QVariant(QSize(-1, 0)) << QStringList{"fullSize"};
-        QTest::newRow("subWindowPosition")
-            << "subWindowPosition" << QVariant(QPoint(-5, 7)) << QStringList{"subWindowPosition"};
+            << "fullSize" << QVariant(QSize(-1, 0)) << QStringList{"fullSizeChanged"};
+        QTest::newRow("subWindowPosition") << "subWindowPosition" << QVariant(QPoint(-5, 7))
+                                           << QStringList{"subWindowPositionChanged"};
     }
     void settersAnnounceRealChanges()
     {
@@ -582,13 +563,12 @@ private slots:
         QFETCH(QVariant, value);
         QFETCH(QStringList, expected);
         WindowEditor editor;
-        QStringList* order = recordSignals(&editor);
+        SignalLog log(&editor, &EditorItem::staticMetaObject);
         QVERIFY(editor.setProperty(property.toLatin1(), value));
-        QCOMPARE(*order, expected);
+        QCOMPARE(log.take(), expected);
         // Setting it again is no change.
-        order->clear();
         QVERIFY(editor.setProperty(property.toLatin1(), value));
-        QCOMPARE(*order, QStringList());
+        QCOMPARE(log.take(), QStringList());
     }
     void signalsCarryTheirProperties()
     {
@@ -716,15 +696,14 @@ private slots:
         editor.setMaxSize(QSize(640, 512));
         editor.setWindow(QRect(100, 100, 200, 100));
         QVERIFY(editor.isWindowValid());
-        QStringList* order = recordSignals(&editor);
+        SignalLog log(&editor, &EditorItem::staticMetaObject);
         editor.setCenteredOnly(true);
         QCOMPARE(editor.window(), QRect(100, 100, 200, 100));
         QVERIFY(!editor.isWindowValid());
-        QCOMPARE(*order, (QStringList{"centeredOnly", "isWindowValid"}));
-        order->clear();
+        QCOMPARE(log.take(), (QStringList{"centeredOnlyChanged", "isWindowValidChanged"}));
         editor.setCenteredOnly(false);
         QVERIFY(editor.isWindowValid());
-        QCOMPARE(*order, (QStringList{"centeredOnly", "isWindowValid"}));
+        QCOMPARE(log.take(), (QStringList{"centeredOnlyChanged", "isWindowValidChanged"}));
     }
 
     void heightClampComparesTheMinimumWidth()
