@@ -1,10 +1,15 @@
 #pragma once
 
+#include "PoolBlocker.h"
+
 #include <kivui/ObjectListModel.h>
 
 #include <QByteArray>
+#include <QFutureWatcher>
 #include <QStringList>
 #include <QTest>
+
+#include <functional>
 
 // What the tests of the discovery models share.
 
@@ -13,6 +18,31 @@ template <typename Model> bool scanToEnd(Model& model)
 {
     model.scan();
     return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
+}
+
+// Starts a search while every thread of the pool is busy, so that its task waits in the queue,
+// makes changes meanwhile, lets the task start and waits for the search's end.
+template <typename Model>
+bool scanWithChangesBeforeTheTaskStarts(Model& model, const std::function<void()>& changes)
+{
+    PoolBlocker blocker;
+    model.scan();
+    changes();
+    blocker.release();
+    return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
+}
+
+// Starts a search while every thread of the pool is busy and cancels its task before it runs,
+// through the model's watcher; false when the model has none.
+template <typename Model> bool cancelQueuedScan(Model& model)
+{
+    PoolBlocker blocker;
+    model.scan();
+    auto* watcher = model.template findChild<QFutureWatcherBase*>();
+    if (!watcher)
+        return false;
+    watcher->cancel();
+    return true;
 }
 
 // Records what a search announces, in its order: the list's resets and insertions ("rows 0-3"),

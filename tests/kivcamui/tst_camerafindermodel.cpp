@@ -1,6 +1,5 @@
 #include "../HostileFiles.h"
 #include "DiscoveryTest.h"
-#include "PoolBlocker.h"
 
 #include <kivcamui/camera/CameraFinderModel.h>
 
@@ -20,7 +19,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 
 using kiv::cam::SCameraInfo;
 using kiv::cam::ui::CameraFinderModel;
@@ -34,18 +32,6 @@ QStringList serials(CameraFinderModel& model)
     for (int i = 0; i < model.cameras()->size(); ++i)
         found << qobject_cast<CameraInfo*>(model.cameras()->at(i))->serial();
     return found;
-}
-
-// Starts a search while every thread of the pool is busy, so that its task waits in the queue,
-// makes changes meanwhile, and lets the task start.
-bool scanWithChangesBeforeTheTaskStarts(
-    CameraFinderModel& model, const std::function<void()>& changes)
-{
-    PoolBlocker blocker;
-    model.scan();
-    changes();
-    blocker.release();
-    return QTest::qWaitFor([&] { return !model.scanning(); }, 30000);
 }
 
 // Two models with opposite emulator switches search at the same time, round after round, in a

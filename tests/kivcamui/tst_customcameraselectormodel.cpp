@@ -1,12 +1,10 @@
 #include "DeviceRows.h"
 #include "DiscoveryTest.h"
-#include "PoolBlocker.h"
 #include "SignalLog.h"
 
 #include <kivcamui/custom/CustomCameraSelectorModel.h>
 
 #include <QAbstractItemModelTester>
-#include <QFutureWatcher>
 #include <QJSEngine>
 #include <QPointer>
 #include <QQmlComponent>
@@ -685,13 +683,7 @@ private slots:
     void cancelledSearchCountsAsEmpty()
     {
         CustomCameraSelectorModel model;
-        {
-            PoolBlocker blocker;
-            model.scan();
-            auto* watcher = model.findChild<QFutureWatcherBase*>();
-            QVERIFY(watcher);
-            watcher->cancel();
-        }
+        QVERIFY(cancelQueuedScan(model));
         QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
         QVERIFY(model.scanned());
         QCOMPARE(

@@ -1,12 +1,10 @@
 #include "DeviceRows.h"
 #include "DiscoveryTest.h"
-#include "PoolBlocker.h"
 #include "SignalLog.h"
 
 #include <kivcamui/device/DeviceFinderModel.h>
 
 #include <QAbstractItemModelTester>
-#include <QFutureWatcher>
 #include <QJSEngine>
 #include <QPointer>
 #include <QSignalSpy>
@@ -148,11 +146,7 @@ private slots:
     {
         DeviceFinderModel model;
         model.setSupportedDevices({"EmuLink"});
-        PoolBlocker blocker;
-        model.scan();
-        model.setEnableEmulators(true);
-        blocker.release();
-        QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
+        QVERIFY(scanWithChangesBeforeTheTaskStarts(model, [&] { model.setEnableEmulators(true); }));
         QCOMPARE(deviceRows(*model.devices()), (QStringList{"EmuLink/Custom", "EmuLink/Emu 0"}));
     }
     void customEntriesTakeTheSwitchWhenTheSearchEnds()
@@ -351,13 +345,7 @@ private slots:
         // A task cancelled before it ran reports no result; the list gets the custom entries.
         DeviceFinderModel model;
         model.setSupportedDevices({"Grabber"});
-        {
-            PoolBlocker blocker;
-            model.scan();
-            auto* watcher = model.findChild<QFutureWatcherBase*>();
-            QVERIFY(watcher);
-            watcher->cancel();
-        }
+        QVERIFY(cancelQueuedScan(model));
         QTRY_VERIFY_WITH_TIMEOUT(!model.scanning(), 30000);
         QVERIFY(model.scanned());
         QCOMPARE(deviceRows(*model.devices()), QStringList{"Grabber/Custom"});
