@@ -13,8 +13,8 @@ TSharedPtr<CImage> CImage::Create(int width, int height, const SGuid& pixelType)
     const int channels = PixelTypeToChannelCount(pixelType);
     if (width < 1 || height < 1 || channels == 0)
         return {};
-    const std::uint64_t pixelBytes
-        = static_cast<std::uint64_t>(channels) * DataTypeSize(PixelTypeToDataType(pixelType));
+    const EDataType dataType = PixelTypeToDataType(pixelType);
+    const std::uint64_t pixelBytes = static_cast<std::uint64_t>(channels) * DataTypeSize(dataType);
     // A width below 2^31 at no more than 8 bytes a pixel cannot overflow the stride; the size is
     // checked against what any allocation could hold.
     const std::uint64_t stride = (static_cast<std::uint64_t>(width) * pixelBytes + 3) & ~3ULL;
@@ -28,7 +28,7 @@ TSharedPtr<CImage> CImage::Create(int width, int height, const SGuid& pixelType)
     image->m_width = width;
     image->m_height = height;
     image->m_pixelType = pixelType;
-    image->m_dataType = PixelTypeToDataType(pixelType);
+    image->m_dataType = dataType;
     image->m_channels = channels;
     image->m_stride = static_cast<std::size_t>(stride);
     return image;

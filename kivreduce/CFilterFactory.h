@@ -22,8 +22,7 @@ using FilterFunction = TSharedPtr<const CImage> (*)(const TSharedPtr<const CImag
 //                   significant bits (adBits, adBitShift) scaled linearly from the frame's
 //                   minimum (0) to its maximum (255)
 //   "Signed16"      signed samples of one channel, scaled around zero: 0 is 128, the frame's
-//   largest
-//                   magnitude 1 or 255
+//                   largest magnitude 1 or 255
 //   "Float32"       floating-point samples (temperatures, intensities), scaled linearly like
 //                   Linear16; samples that are not finite numbers are black and do not count
 //   "Colour"        RGB8, BGR8, RGBA8, BGRA8, YUV422_8 (Y0 U Y1 V) and Bayer samples (each
