@@ -2,16 +2,15 @@
 
 #include <kiv/CMemFile.h>
 #include <kivcamui/plugin/Conversions.h>
-#include <kivcamui/plugin/MadeOnPool.h>
+#include <kivcamui/plugin/PoolSearch.h>
 #include <kivcamui/plugin/ReleasedOnPool.h>
 
 #include <QJSEngine>
-#include <QThreadPool>
-#include <QtConcurrent/QtConcurrentRun>
 
 namespace kiv::cam::ui {
 
-CameraFinderModel::CameraFinderModel(QObject* parent) : QObject(parent)
+CameraFinderModel::CameraFinderModel(QObject* parent)
+    : QObject(parent), m_task(std::make_unique<PoolSearch<CameraInfo>>())
 {
     connect(&m_watcher, &QFutureWatcher<Found>::finished, this, &CameraFinderModel::doneScanning);
     QJSEngine::setObjectOwnership(&m_cameras, QJSEngine::CppOwnership);
@@ -20,12 +19,8 @@ CameraFinderModel::CameraFinderModel(QObject* parent) : QObject(parent)
         m_search->enableEmulators = true;
 }
 
-// A search still running is stopped: its transports' scans wake up and it ends soon after, with
-// its own share of the search state. Nobody waits for it, and its result goes nowhere.
-CameraFinderModel::~CameraFinderModel()
-{
-    m_stop.request_stop();
-}
+// A search still running is stopped, and ends with its own share of the search state.
+CameraFinderModel::~CameraFinderModel() = default;
 
 void CameraFinderModel::setEnableEmulators(bool enable)
 {
@@ -64,12 +59,10 @@ void CameraFinderModel::scan()
     TArray<CString> names;
     for (const QString& name : std::as_const(m_supportedCameras))
         names.add(toCString(name));
-    m_stop = std::stop_source();
     // The emulator switch is set on the pool thread right before the search, which uses the
     // value set on its own thread: another model searching at the same time cannot change it.
-    m_watcher.setFuture(QtConcurrent::run(QThreadPool::globalInstance(),
-        [search = m_search, names = std::move(names), stop = m_stop.get_token(),
-            thread = thread()]() mutable {
+    m_watcher.setFuture(m_task->Start(
+        thread(), [search = m_search, names = std::move(names)](std::stop_token stop) mutable {
             CCameraFinder::setEnableEmulators(search->enableEmulators);
             const unsigned flags
                 = (search->commOnly ? CCameraFinder::FIND_COMM : CCameraFinder::FIND_COMPLETE)
@@ -77,9 +70,8 @@ void CameraFinderModel::scan()
             const bool found = names.empty() ? search->finder.Find(flags, stop)
                                              : search->finder.Find(std::move(names), flags, stop);
             if (!found || stop.stop_requested())
-                return std::make_shared<MadeOnPool<CameraInfo>>();
-            return std::make_shared<MadeOnPool<CameraInfo>>(
-                MakeCameras(search->finder.Take()), thread);
+                return QList<CameraInfo*>();
+            return MakeCameras(search->finder.Take());
         }));
 }
 
@@ -102,10 +94,7 @@ QList<CameraInfo*> CameraFinderModel::MakeCameras(TArray<SCameraInfo> found)
 void CameraFinderModel::doneScanning()
 {
     m_cameras.removeAll();
-    // Without a result when the task could not run.
-    const QFuture<Found> future = m_watcher.future();
-    const QList<CameraInfo*> cameras
-        = future.resultCount() > 0 ? future.result()->Take() : QList<CameraInfo*>();
+    const QList<CameraInfo*> cameras = PoolSearch<CameraInfo>::Take(m_watcher.future());
     for (CameraInfo* camera : cameras)
         camera->setParent(this);
     m_cameras.append(QList<QObject*>(cameras.cbegin(), cameras.cend()));

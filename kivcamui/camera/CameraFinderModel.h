@@ -11,11 +11,11 @@
 
 #include <atomic>
 #include <memory>
-#include <stop_token>
 
 namespace kiv::cam::ui {
 
 template <typename T> class MadeOnPool;
+template <typename T> class PoolSearch;
 
 // Searches for connected cameras on a thread of Qt's global pool and lists what it found as
 // CameraInfo objects; also turns a description file, or its XML text, into a CameraInfo.
@@ -71,7 +71,7 @@ private slots:
 private:
     // What the search task uses: the finder with its results, and the switches the task reads
     // when it starts. Shared with the task, so that a model destroyed while it searches neither
-    // waits for the search nor leaves it working on freed memory; m_stop ends such a search.
+    // waits for the search nor leaves it working on freed memory.
     struct SSearch {
         CCameraFinder finder;
         std::atomic<bool> enableEmulators{false};
@@ -87,7 +87,8 @@ private:
 
     QFutureWatcher<Found> m_watcher;
     std::shared_ptr<SSearch> m_search = std::make_shared<SSearch>();
-    std::stop_source m_stop; // of the running search
+    // By pointer: its header, which runs the task through QtConcurrent, is the library's own.
+    std::unique_ptr<PoolSearch<CameraInfo>> m_task;
     ObjectListModel m_cameras{true};
     bool m_scanning = false;
     bool m_scanned = false;

@@ -3,6 +3,7 @@
 #include <kivcam/CCameras.h>
 #include <kivcam/CInterfaces.h>
 #include <kivcamui/plugin/Conversions.h>
+#include <kivcamui/plugin/PoolSearch.h>
 
 #include <QJSEngine>
 
@@ -121,7 +122,7 @@ void CustomCameraSelectorModel::RemoveDevices()
 void CustomCameraSelectorModel::doneScanning()
 {
     const QList<DeviceInfo*> devices = m_search.List(
-        DeviceSearch::Take(m_watcher.future()), [](const IInterface&) { return true; });
+        PoolSearch<DeviceInfo>::Take(m_watcher.future()), [](const IInterface&) { return true; });
     QList<QObject*> comm;
     QList<QObject*> video;
     QList<QObject*> both;

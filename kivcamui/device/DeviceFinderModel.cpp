@@ -1,12 +1,14 @@
 #include "DeviceFinderModel.h"
 
 #include <kivcamui/plugin/Conversions.h>
+#include <kivcamui/plugin/PoolSearch.h>
 
 #include <QJSEngine>
 
 using kiv::CString;
 using kiv::CVariant;
 using kiv::cam::CParameters;
+using kiv::cam::ui::PoolSearch;
 using kiv::cam::ui::toCString;
 using kiv::cam::ui::toQString;
 
@@ -67,10 +69,11 @@ void DeviceFinderModel::scan()
 
 void DeviceFinderModel::doneScanning()
 {
-    const QList<DeviceInfo*> devices = m_search.List(
-        DeviceSearch::Take(m_watcher.future()), [this](const kiv::cam::IInterface& transport) {
-            return m_supportedDevices.contains(toQString(transport.name));
-        });
+    const QList<DeviceInfo*> devices
+        = m_search.List(PoolSearch<DeviceInfo>::Take(m_watcher.future()),
+            [this](const kiv::cam::IInterface& transport) {
+                return m_supportedDevices.contains(toQString(transport.name));
+            });
     m_devices.removeAll();
     if (!m_defaultControl.isEmpty() || m_defaultBaudRate > 0) {
         for (DeviceInfo* device : devices)

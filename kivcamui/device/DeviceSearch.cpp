@@ -3,11 +3,8 @@
 #include <kivcam/CInterfaces.h>
 #include <kivcamui/device/DeviceInfo.h>
 #include <kivcamui/plugin/Conversions.h>
-#include <kivcamui/plugin/MadeOnPool.h>
+#include <kivcamui/plugin/PoolSearch.h>
 #include <kivcamui/plugin/ReleasedOnPool.h>
-
-#include <QThreadPool>
-#include <QtConcurrent/QtConcurrentRun>
 
 #include <algorithm>
 #include <iterator>
@@ -17,24 +14,23 @@
 using kiv::cam::CInterfaces;
 using kiv::cam::CParameters;
 using kiv::cam::SDeviceInfo;
-using kiv::cam::ui::MadeOnPool;
+using kiv::cam::ui::PoolSearch;
 using kiv::cam::ui::toQString;
 
-// A task still running is stopped: its transports' scans wake up and it ends soon after, with
-// its own share of the switch. Nobody waits for it, and its result goes nowhere.
-DeviceSearch::~DeviceSearch()
+DeviceSearch::DeviceSearch() : m_task(std::make_unique<PoolSearch<DeviceInfo>>())
 {
-    m_stop.request_stop();
 }
+
+// A task still running is stopped, and ends with its own share of the switch.
+DeviceSearch::~DeviceSearch() = default;
 
 QFuture<DeviceSearch::Found> DeviceSearch::Start(kiv::TArray<kiv::CString> names, QThread* thread)
 {
-    m_stop = std::stop_source();
     // The emulator switch is set on the pool thread right before the search, which uses the
     // value set on its own thread: another model searching at the same time cannot change it.
-    return QtConcurrent::run(QThreadPool::globalInstance(),
-        [enableEmulators = m_enableEmulators, names = std::move(names), stop = m_stop.get_token(),
-            thread]() mutable {
+    return m_task->Start(thread,
+        [enableEmulators = m_enableEmulators, names = std::move(names)](
+            std::stop_token stop) mutable {
             CInterfaces* catalogue = kiv::cam::interfaces();
             catalogue->setEnableEmulators(*enableEmulators);
             kiv::TArray<SDeviceInfo> found;
@@ -43,8 +39,8 @@ QFuture<DeviceSearch::Found> DeviceSearch::Start(kiv::TArray<kiv::CString> names
             else
                 catalogue->findDevicesOf(found, std::move(names), CInterfaces::FIND_PRESENT, stop);
             if (stop.stop_requested())
-                return std::make_shared<MadeOnPool<DeviceInfo>>();
-            return std::make_shared<MadeOnPool<DeviceInfo>>(MakeSorted(std::move(found)), thread);
+                return QList<DeviceInfo*>();
+            return MakeSorted(std::move(found));
         });
 }
 
@@ -80,11 +76,6 @@ QList<DeviceInfo*> DeviceSearch::MakeSorted(kiv::TArray<SDeviceInfo> found)
     for (const SKeyed& device : keyed)
         devices.append(device.device);
     return devices;
-}
-
-QList<DeviceInfo*> DeviceSearch::Take(const QFuture<Found>& future)
-{
-    return future.resultCount() > 0 ? future.result()->Take() : QList<DeviceInfo*>();
 }
 
 QList<DeviceInfo*> DeviceSearch::List(

@@ -11,14 +11,14 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <stop_token>
 
 class DeviceInfo;
 class QThread;
 
 namespace kiv::cam::ui {
 template <typename T> class MadeOnPool;
-}
+template <typename T> class PoolSearch;
+} // namespace kiv::cam::ui
 
 // The device search of a discovery model: one task at a time on Qt's global pool, and the
 // sorted device objects made from what it found. The task makes the objects of the found
@@ -31,7 +31,7 @@ class DeviceSearch {
 public:
     using Found = std::shared_ptr<kiv::cam::ui::MadeOnPool<DeviceInfo>>;
 
-    DeviceSearch() = default;
+    DeviceSearch();
     ~DeviceSearch();
     DeviceSearch(const DeviceSearch&) = delete;
     DeviceSearch& operator=(const DeviceSearch&) = delete;
@@ -42,10 +42,6 @@ public:
     // Starts a task that searches every transport, or with names, keeps only the devices whose
     // base type or transport name is among them. Its objects are made for thread.
     QFuture<Found> Start(kiv::TArray<kiv::CString> names, QThread* thread);
-
-    // The objects of what a finished task found, sorted, now the caller's; none when the task
-    // was cancelled before it reported (as it is when there is no thread pool to run it).
-    static QList<DeviceInfo*> Take(const QFuture<Found>& future);
 
     // The found devices, sorted, and a "Custom" placeholder per transport that offers() accepts
     // (emulators only while they are enabled): sorted by transport name, each transport's
@@ -61,5 +57,6 @@ private:
 
     std::shared_ptr<std::atomic<bool>> m_enableEmulators
         = std::make_shared<std::atomic<bool>>(false);
-    std::stop_source m_stop; // of the running task
+    // By pointer: its header, which runs the task through QtConcurrent, is the library's own.
+    std::unique_ptr<kiv::cam::ui::PoolSearch<DeviceInfo>> m_task;
 };
