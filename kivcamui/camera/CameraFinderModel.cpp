@@ -1,6 +1,7 @@
 #include "CameraFinderModel.h"
 
 #include <kiv/CMemFile.h>
+#include <kivcam/CCameraFinder.h>
 #include <kivcamui/plugin/Conversions.h>
 #include <kivcamui/plugin/PoolSearch.h>
 #include <kivcamui/plugin/ReleasedOnPool.h>
@@ -67,11 +68,12 @@ void CameraFinderModel::scan()
             const unsigned flags
                 = (search->commOnly ? CCameraFinder::FIND_COMM : CCameraFinder::FIND_COMPLETE)
                 | (search->emulatorsOnly ? CCameraFinder::FIND_EMULATORS_ONLY : 0u);
-            const bool found = names.empty() ? search->finder.Find(flags, stop)
-                                             : search->finder.Find(std::move(names), flags, stop);
+            CCameraFinder finder;
+            const bool found = names.empty() ? finder.Find(flags, stop)
+                                             : finder.Find(std::move(names), flags, stop);
             if (!found || stop.stop_requested())
                 return QList<CameraInfo*>();
-            return MakeCameras(search->finder.Take());
+            return MakeCameras(finder.Take());
         }));
 }
 

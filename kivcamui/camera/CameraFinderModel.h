@@ -1,6 +1,5 @@
 #pragma once
 
-#include <kivcam/CCameraFinder.h>
 #include <kivcamui/camera/CameraInfo.h>
 #include <kivcamui/kivcamui_export.h>
 #include <kivui/ObjectListModel.h>
@@ -69,11 +68,9 @@ private slots:
     void doneScanning();
 
 private:
-    // What the search task uses: the finder with its results, and the switches the task reads
-    // when it starts. Shared with the task, so that a model destroyed while it searches neither
-    // waits for the search nor leaves it working on freed memory.
+    // The switches the search task reads when it starts. Shared with the task, so that a model
+    // destroyed while it searches neither waits for the search nor leaves it reading freed memory.
     struct SSearch {
-        CCameraFinder finder;
         std::atomic<bool> enableEmulators{false};
         std::atomic<bool> emulatorsOnly{false};
         std::atomic<bool> commOnly{true};
