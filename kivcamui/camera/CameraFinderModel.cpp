@@ -57,13 +57,10 @@ void CameraFinderModel::scan()
     m_scanning = true;
     emit scanningChanged();
 
-    TArray<CString> names;
-    for (const QString& name : std::as_const(m_supportedCameras))
-        names.add(toCString(name));
     // The emulator switch is set on the pool thread right before the search, which uses the
     // value set on its own thread: another model searching at the same time cannot change it.
-    m_watcher.setFuture(m_task->Start(
-        thread(), [search = m_search, names = std::move(names)](std::stop_token stop) mutable {
+    m_watcher.setFuture(m_task->Start(thread(),
+        [search = m_search, names = toCStrings(m_supportedCameras)](std::stop_token stop) mutable {
             CCameraFinder::setEnableEmulators(search->enableEmulators);
             const unsigned flags
                 = (search->commOnly ? CCameraFinder::FIND_COMM : CCameraFinder::FIND_COMPLETE)

@@ -10,6 +10,7 @@ using kiv::CVariant;
 using kiv::cam::CParameters;
 using kiv::cam::ui::PoolSearch;
 using kiv::cam::ui::toCString;
+using kiv::cam::ui::toCStrings;
 using kiv::cam::ui::toQString;
 
 DeviceFinderModel::DeviceFinderModel(QObject* parent) : QObject(parent)
@@ -61,10 +62,7 @@ void DeviceFinderModel::scan()
     m_scanning = true;
     emit scanningChanged();
 
-    kiv::TArray<CString> names;
-    for (const QString& name : std::as_const(m_supportedDevices))
-        names.add(toCString(name));
-    m_watcher.setFuture(m_search.Start(std::move(names), thread()));
+    m_watcher.setFuture(m_search.Start(toCStrings(m_supportedDevices), thread()));
 }
 
 void DeviceFinderModel::doneScanning()

@@ -2,9 +2,11 @@
 
 #include <kiv/CString.h>
 #include <kiv/CStringW.h>
+#include <kiv/TArray.h>
 
 #include <QFileInfo>
 #include <QString>
+#include <QStringList>
 #include <QUrl>
 
 // Crossing between the camera library's texts and Qt's.
@@ -19,6 +21,14 @@ inline QString toQString(const kiv::CString& text)
 inline kiv::CString toCString(const QString& text)
 {
     return kiv::CString(text.toUtf8().constData(), -1);
+}
+
+inline kiv::TArray<kiv::CString> toCStrings(const QStringList& texts)
+{
+    kiv::TArray<kiv::CString> converted;
+    for (const QString& text : texts)
+        converted.add(toCString(text));
+    return converted;
 }
 
 // A file name handed in from QML is a URL; a plain path without a scheme gives an empty path.
