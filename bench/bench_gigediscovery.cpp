@@ -8,7 +8,7 @@
 // It runs itself again under "unshare -rn" and sends nothing outside that namespace; where no
 // namespace can be made it says so and does nothing.
 
-#include "../tests/kivcam/GigETest.h"
+#include "NamespaceBench.h"
 
 #include <kivcam/CInterfaces.h>
 #include <kivcamui/camera/CameraFinderModel.h>
@@ -61,15 +61,8 @@ int main(int argc, char** argv)
     if (const int code = netns::reenter(argv); code >= 0)
         return code;
     QCoreApplication app(argc, argv);
-    if (const QString reason = netns::unavailableReason(); !reason.isEmpty()) {
-        std::printf("%s\n", qPrintable(reason));
-        return 0;
-    }
-    if (!QFile::exists(QCoreApplication::applicationDirPath() + "/fake-gige-camera")) {
-        std::printf("fake-gige-camera is missing: build the tests first\n");
-        return 1;
-    }
-    netns::ip({"link", "set", "lo", "up"});
+    if (const int code = namespaceBenchReady(); code >= 0)
+        return code;
     for (int i = 2; i <= 8; ++i)
         netns::ip({"addr", "add", QStringLiteral("127.0.0.%1/8").arg(i), "dev", "lo"});
     qputenv("KIVCAM_GIGE_INTERFACES", "lo");

@@ -11,9 +11,11 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <grp.h>
 #include <new>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace kiv::platform {
 
@@ -174,6 +176,19 @@ CStringW ModulePath(const void* address)
             return CStringW(resolved);
     }
     return executablePath();
+}
+
+CString OwningGroup(const CString& path)
+{
+    struct stat status { };
+    if (::stat(path.data(), &status) != 0)
+        return {};
+    group entry{};
+    group* found = nullptr;
+    std::vector<char> buffer(16384);
+    if (::getgrgid_r(status.st_gid, &entry, buffer.data(), buffer.size(), &found) != 0 || !found)
+        return strprintf("%u", static_cast<unsigned>(status.st_gid));
+    return CString(found->gr_name);
 }
 
 void DebugOutput(const char* text)

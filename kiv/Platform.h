@@ -36,6 +36,10 @@ KIV_EXPORT bool ReadRegularFile(
 // survives a power cut. True also where the file system has nothing of the kind to write.
 KIV_EXPORT bool SyncFolder(const CStringW& folder);
 
+// The name of the group that owns a file, or its number where the group has no name; empty when
+// the file cannot be seen. For messages that tell a user which group to join.
+KIV_EXPORT CString OwningGroup(const CString& path);
+
 // Debug output: a line for developers, written to standard error unless a handler is set.
 using DebugOutputHandler = void (*)(const char* text);
 KIV_EXPORT void DebugOutput(const char* text);

@@ -4,4 +4,9 @@ namespace kiv::cam {
 
 IFrameSource::~IFrameSource() = default;
 
+SFrameStatistics IFrameSource::statistics() const
+{
+    return {};
+}
+
 } // namespace kiv::cam

@@ -2,24 +2,9 @@
 
 #include "CEmulatorController.h"
 
-#include <QByteArray>
-#include <QtGlobal>
-
 namespace kiv::cam {
 
-namespace {
-
-TSharedPtr<const CEmulatorWorld> loadWorld()
-{
-    const QByteArray file = qgetenv("KIVCAM_EMULATOR_WORLD");
-    return CEmulatorWorld::LoadFile(file.isEmpty()
-            ? CString(":/kivcam/DefaultWorld.xml")
-            : CString(file.constData(), static_cast<int>(file.size())));
-}
-
-} // namespace
-
-CEmulatorBackend::CEmulatorBackend() : m_world(loadWorld())
+CEmulatorBackend::CEmulatorBackend() : m_world(CEmulatorWorld::Current())
 {
 }
 

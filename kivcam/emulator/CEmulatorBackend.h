@@ -6,8 +6,9 @@
 
 namespace kiv::cam {
 
-// The emulator: serves the world named by the environment variable KIVCAM_EMULATOR_WORLD when
-// it is set and not empty, and the built-in default world otherwise.
+// The emulator: serves the world of the process (CEmulatorWorld::Current), named by the
+// environment variable KIVCAM_EMULATOR_WORLD when it is set and not empty, and the built-in
+// default world otherwise.
 class CEmulatorBackend : public CBackend {
 public:
     CEmulatorBackend();

@@ -24,34 +24,12 @@ CEmulatorFrameSource::~CEmulatorFrameSource()
 
 void CEmulatorFrameSource::subscribe(IFrameListener* listener)
 {
-    const std::lock_guard lock(m_listenerMutex);
-    if (!listener || m_listeners.contains(listener))
-        return;
-    m_listeners.add(listener);
-    if (m_streaming)
-        listener->streamStarted(m_camera);
+    m_listeners.subscribe(listener);
 }
 
 void CEmulatorFrameSource::unsubscribe(IFrameListener* listener)
 {
-    // Waits here for a call in progress, unless it is the caller's own.
-    const std::lock_guard lock(m_listenerMutex);
-    for (int i = 0; i < m_listeners.count(); ++i) {
-        if (m_listeners[i] == listener) {
-            m_listeners.removeAt(i);
-            return;
-        }
-    }
-}
-
-template <class Call> void CEmulatorFrameSource::forEachListener(bool whileStreaming, Call call)
-{
-    // A copy: the calls may change the list.
-    const TArray<IFrameListener*> listeners = m_listeners;
-    for (IFrameListener* listener : listeners) {
-        if ((!whileStreaming || m_streaming) && m_listeners.contains(listener))
-            call(listener);
-    }
+    m_listeners.unsubscribe(listener);
 }
 
 double CEmulatorFrameSource::frameRate() const
@@ -87,12 +65,7 @@ bool CEmulatorFrameSource::start(const SCameraInfo& camera)
         m_hasNuc = camera.hasNucMask;
         m_scene = std::make_unique<CEmulatorScene>(camera);
     }
-    {
-        const std::lock_guard lock(m_listenerMutex);
-        m_camera = camera;
-        m_streaming = true;
-        forEachListener(true, [&](IFrameListener* listener) { listener->streamStarted(camera); });
-    }
+    m_listeners.started(camera);
     m_thread = std::thread(&CEmulatorFrameSource::run, this);
     return true;
 }
@@ -106,7 +79,7 @@ void CEmulatorFrameSource::stop()
             const std::lock_guard lock(m_stateMutex);
             m_stopping = true;
         }
-        stopped();
+        m_listeners.stopped();
         return;
     }
     const std::lock_guard control(m_controlMutex);
@@ -126,7 +99,7 @@ void CEmulatorFrameSource::halt()
         const std::lock_guard lock(m_stateMutex);
         m_scene.reset();
     }
-    stopped();
+    m_listeners.stopped();
 }
 
 bool CEmulatorFrameSource::runNuc()
@@ -170,7 +143,7 @@ void CEmulatorFrameSource::run()
             image->timestamp
                 = std::chrono::duration_cast<std::chrono::nanoseconds>(due.time_since_epoch())
                       .count();
-            deliver(image);
+            m_listeners.deliver(image);
         }
         last = due;
         ++number;
@@ -183,21 +156,6 @@ void CEmulatorFrameSource::run()
             due += missed * period;
         }
     }
-}
-
-void CEmulatorFrameSource::deliver(const TSharedPtr<const CImage>& image)
-{
-    const std::lock_guard lock(m_listenerMutex);
-    forEachListener(true, [&](IFrameListener* listener) { listener->frameArrived(image); });
-}
-
-void CEmulatorFrameSource::stopped()
-{
-    const std::lock_guard lock(m_listenerMutex);
-    if (!m_streaming)
-        return;
-    m_streaming = false;
-    forEachListener(false, [](IFrameListener* listener) { listener->streamStopped(); });
 }
 
 } // namespace kiv::cam

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kiv/TArray.h>
+#include <kivcam/CFrameListeners.h>
 #include <kivcam/IFrameSource.h>
 #include <kivcam/SCameraInfo.h>
 #include <kivcam/emulator/CEmulatorScene.h>
@@ -45,20 +45,9 @@ private:
     // Stops the stream and waits for its thread; the caller holds m_controlMutex.
     void halt();
     void run();
-    void deliver(const TSharedPtr<const CImage>& image);
-    // Calls call with each listener that is still subscribed at its turn and, with
-    // whileStreaming, as long as the stream runs: a listener may subscribe, unsubscribe or stop
-    // the stream from within its own call. The caller holds m_listenerMutex.
-    template <class Call> void forEachListener(bool whileStreaming, Call call);
-    void stopped();
     bool onStreamThread() const { return m_streamThread.load() == std::this_thread::get_id(); }
 
-    // Held while listeners are called, so that unsubscribe waits for a call in progress;
-    // recursive, so that a listener may subscribe and unsubscribe from within its own call.
-    std::recursive_mutex m_listenerMutex;
-    TArray<IFrameListener*> m_listeners;
-    SCameraInfo m_camera; // of the running stream
-    bool m_streaming = false;
+    CFrameListeners m_listeners;
 
     // Serialises start and stop.
     std::mutex m_controlMutex;

@@ -6,8 +6,10 @@
 #include <kiv/strprintf.h>
 #include <kivcam/XmlRecords.h>
 
+#include <QByteArray>
 #include <QFile>
 #include <QString>
+#include <QtGlobal>
 
 #include <algorithm>
 #include <iterator>
@@ -85,6 +87,10 @@ public:
             if (!readInterface(node))
                 return false;
         }
+        for (const pugi::xml_node node : root.children("genicam")) {
+            if (!readGenICamCamera(node))
+                return false;
+        }
         // Cameras come last: they name camera types and video devices anywhere in the world.
         int index = 0;
         for (const pugi::xml_node node : root.children("interface")) {
@@ -101,15 +107,18 @@ private:
         return false;
     }
 
-    // A required name attribute, unique in its list: taken into the list's index at position.
-    bool readName(pugi::xml_node node, CNameIndex& index, int position, CString& name)
+    // A required key attribute, a name unless told otherwise, unique in its list: taken into
+    // the list's index at position.
+    bool readName(pugi::xml_node node, CNameIndex& index, int position, CString& name,
+        const char* attribute = "name")
     {
-        name = attributeText(node, "name");
+        name = attributeText(node, attribute);
         if (name.empty())
-            return fail(node, std::string("<") + node.name() + "> without a name");
+            return fail(node, std::string("<") + node.name() + "> without a " + attribute);
         if (!index.insert(name.view(), position))
-            return fail(
-                node, std::string("a second <") + node.name() + "> named \"" + name.data() + "\"");
+            return fail(node,
+                std::string("a second <") + node.name() + "> with the " + attribute + " \""
+                    + name.data() + "\"");
         return true;
     }
 
@@ -162,6 +171,21 @@ private:
             || !readDelay(node, "connectDelay", controller.connectDelay))
             return false;
         m_world.m_controllers.add(controller);
+        return true;
+    }
+
+    bool readGenICamCamera(pugi::xml_node node)
+    {
+        SGenICamCamera camera;
+        if (!readName(node, m_world.m_genicamIndex, m_world.m_genicamCameras.count(), camera.serial,
+                "serial"))
+            return false;
+        if (camera.serial.length() > maxGenICamSerialLength)
+            return fail(node,
+                std::string("the serial \"") + camera.serial.data() + "\" is longer than "
+                    + std::to_string(maxGenICamSerialLength) + " bytes");
+        camera.identity = attributeText(node, "identity");
+        m_world.m_genicamCameras.add(std::move(camera));
         return true;
     }
 
@@ -326,6 +350,16 @@ TSharedPtr<const CEmulatorWorld> CEmulatorWorld::LoadFile(const CString& path)
         return MakeShared<CEmulatorWorld>();
     }
     return Load(text.data(), text.size(), path);
+}
+
+TSharedPtr<const CEmulatorWorld> CEmulatorWorld::Current()
+{
+    static const TSharedPtr<const CEmulatorWorld> world = [] {
+        const QByteArray file = qgetenv("KIVCAM_EMULATOR_WORLD");
+        return LoadFile(file.isEmpty() ? CString(":/kivcam/DefaultWorld.xml")
+                                       : CString(file.constData(), static_cast<int>(file.size())));
+    }();
+    return world;
 }
 
 TSharedPtr<ICamera> CEmulatorWorld::cameraType(const CString& name) const

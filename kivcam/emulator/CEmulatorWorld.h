@@ -15,8 +15,8 @@
 namespace kiv::cam {
 
 // Everything the emulator emulates, read from a world file (docs/emulator-world.md): camera
-// types, controllers and transports with their devices and cameras. Never changed once read.
-// Exported for the world's fuzzer and benchmark.
+// types, controllers and transports with their devices and cameras, and the emulated GenICam
+// cameras. Never changed once read. Exported for the world's fuzzer and benchmark.
 class KIVCAM_EXPORT CEmulatorWorld {
 public:
     struct SController {
@@ -24,6 +24,16 @@ public:
         bool connectFails = false;
         int connectDelay = 0; // milliseconds each connect takes
     };
+
+    // An emulated GenICam camera, served by the GenICam emulator (kivcam/genicam).
+    struct SGenICamCamera {
+        CString serial;
+        CString identity;
+    };
+
+    // The longest serial number of an emulated GenICam camera, in bytes: what the serial number
+    // register of the camera holds.
+    static constexpr int maxGenICamSerialLength = 15;
 
     // The largest world file read, in bytes. Worlds are written by hand or generated for tests
     // and benchmarks; the bound holds a world of a hundred thousand devices or parameters and
@@ -40,10 +50,16 @@ public:
     // not a regular file (a FIFO, a device, a directory, a socket: refused without waiting),
     // larger than maxFileSize - is reported at line 0.
     static TSharedPtr<const CEmulatorWorld> LoadFile(const CString& path);
+    // The world of this process: the file the environment variable KIVCAM_EMULATOR_WORLD names
+    // when it is set and not empty, the built-in default world otherwise. Read on the first call
+    // (thread-safe), which reports a world that cannot be read, and kept for the life of the
+    // process; every backend of the emulated world serves this one.
+    static TSharedPtr<const CEmulatorWorld> Current();
 
     const TArray<TSharedPtr<ICamera>>& cameraTypes() const { return m_cameraTypes; }
     const TArray<SController>& controllers() const { return m_controllers; }
     const TArray<TSharedPtr<CEmulatorInterface>>& interfaces() const { return m_interfaces; }
+    const TArray<SGenICamCamera>& genicamCameras() const { return m_genicamCameras; }
 
     TSharedPtr<ICamera> cameraType(const CString& name) const;
     const SController* controller(const CString& name) const;
@@ -58,10 +74,12 @@ private:
     TArray<TSharedPtr<ICamera>> m_cameraTypes;
     TArray<SController> m_controllers;
     TArray<TSharedPtr<CEmulatorInterface>> m_interfaces;
-    // The positions of the above by name.
+    TArray<SGenICamCamera> m_genicamCameras;
+    // The positions of the above by name, and of the GenICam cameras by serial.
     CNameIndex m_cameraTypeIndex;
     CNameIndex m_controllerIndex;
     CNameIndex m_interfaceIndex;
+    CNameIndex m_genicamIndex;
 };
 
 } // namespace kiv::cam

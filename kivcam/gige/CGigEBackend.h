@@ -7,16 +7,14 @@
 
 namespace kiv::cam {
 
-// GigE Vision: the transport of the cameras, the generic camera type for models the catalogue
-// does not know, and its controller.
+// GigE Vision: the transport of the cameras, and the generic camera type for models the
+// catalogue does not know, operated by the GenICam controller.
 class CGigEBackend : public CBackend {
 public:
     CGigEBackend();
 
     void interfaces(TArray<TSharedPtr<IInterface>>& out) override;
     void cameraTypes(TArray<TSharedPtr<ICamera>>& out) override;
-    void controllerNames(TArray<CString>& out) override;
-    TSharedPtr<IController> createController(const CString& name) override;
 
 private:
     const TSharedPtr<CGigEInterface> m_interface;

@@ -3,12 +3,15 @@
 #include "CGigEConfig.h"
 #include "CGigEDiscovery.h"
 #include "CGigEInterface.h"
+#include "CGvcpChannel.h"
 #include "Gvcp.h"
 
 #include <kiv/strprintf.h>
 #include <kivcam/network/CNetworkAdapters.h>
 
 #include <algorithm>
+#include <arv.h>
+#include <mutex>
 #include <set>
 
 namespace kiv::cam {
@@ -23,10 +26,15 @@ std::set<std::uint32_t>& controlled()
     return addresses;
 }
 
-// How often to show the camera a sign of life: three times within its heartbeat timeout.
-std::chrono::milliseconds heartbeatPeriod(std::uint32_t timeout)
+// Aravis shows the camera a sign of life every second, and gives up after several seconds of
+// silence; a camera set to time out sooner gets the usual timeout.
+constexpr std::uint32_t MinHeartbeatTimeout = 3000;
+
+GInetAddress* inetAddress(std::uint32_t address)
 {
-    return std::chrono::milliseconds(std::clamp<std::uint32_t>(timeout / 3, 10, 1000));
+    const guint8 bytes[4] = {static_cast<guint8>(address >> 24), static_cast<guint8>(address >> 16),
+        static_cast<guint8>(address >> 8), static_cast<guint8>(address)};
+    return g_inet_address_new_from_bytes(bytes, G_SOCKET_FAMILY_IPV4);
 }
 
 } // namespace
@@ -36,34 +44,17 @@ CGigEDevice::~CGigEDevice()
     close();
 }
 
-bool CGigEDevice::open(SDeviceInfo info, bool exclusive)
-{
-    std::lock_guard lock(m_mutex);
-    if (m_open) {
-        m_error = "The camera is open already.";
-        return false;
-    }
-    m_error = CString();
-    if (!Open(info, exclusive)) {
-        m_channel.Close();
-        return false;
-    }
-    m_info = std::move(info);
-    m_open = true;
-    return true;
-}
-
-bool CGigEDevice::Open(const SDeviceInfo& info, bool exclusive)
+bool CGigEDevice::Open(SDeviceInfo info, bool exclusive, CString& error)
 {
     std::uint32_t address = 0;
     const CString addressParameter = info.parameters.TextOf(CGigEInterface::AddressParameter);
     if (!CNetworkAdapters::ParseAddress(addressParameter, address)) {
-        m_error = strprintf("\"%s\" is not the IPv4 address of a camera.", addressParameter.data());
+        error = strprintf("\"%s\" is not the IPv4 address of a camera.", addressParameter.data());
         return false;
     }
     if (!CGigEConfig::Enabled()) {
-        m_error = "GigE Vision is off. Set the environment variable KIVCAM_GIGE_INTERFACES to "
-                  "the network adapters it may use (for example \"eth1\", or \"*\" for all).";
+        error = "GigE Vision is off. Set the environment variable KIVCAM_GIGE_INTERFACES to "
+                "the network adapters it may use (for example \"eth1\", or \"*\" for all).";
         return false;
     }
     CString adapterName = info.parameters.TextOf(CGigEInterface::AdapterParameter);
@@ -76,21 +67,21 @@ bool CGigEDevice::Open(const SDeviceInfo& info, bool exclusive)
             }
         }
         if (adapterName.empty()) {
-            m_error = strprintf("None of the adapters GigE Vision may use (%s) is in the subnet "
-                                "of the camera's address %s.",
+            error = strprintf("None of the adapters GigE Vision may use (%s) is in the subnet "
+                              "of the camera's address %s.",
                 CGigEConfig::AllowedText().data(), CNetworkAdapters::AddressText(address).data());
             return false;
         }
     }
     if (!CGigEConfig::Allows(adapterName)) {
-        m_error = strprintf("The adapter \"%s\" is not among those GigE Vision may use (%s); "
-                            "add it to KIVCAM_GIGE_INTERFACES.",
+        error = strprintf("The adapter \"%s\" is not among those GigE Vision may use (%s); "
+                          "add it to KIVCAM_GIGE_INTERFACES.",
             adapterName.data(), CGigEConfig::AllowedText().data());
         return false;
     }
     SNetworkAdapter adapter;
     if (!CNetworkAdapters::Find(adapterName, adapter)) {
-        m_error = strprintf(
+        error = strprintf(
             "The adapter \"%s\" is not there, not up, or has no IPv4 address.", adapterName.data());
         return false;
     }
@@ -100,120 +91,84 @@ bool CGigEDevice::Open(const SDeviceInfo& info, bool exclusive)
             info.parameters.TextOf(CGigEInterface::SubnetMaskParameter), netmask);
         std::uint64_t mac = 0;
         gvcp::ParseMac(info.parameters.TextOf(CGigEInterface::MacParameter), mac);
-        m_error = CGigEDiscovery::WrongSubnetMessage(adapter, address, netmask, mac);
+        error = CGigEDiscovery::WrongSubnetMessage(adapter, address, netmask, mac);
         return false;
     }
     if (ControlledHere(address)) {
-        m_error = strprintf("This program controls the camera at %s already; close that "
-                            "connection first.",
+        error = strprintf("This program controls the camera at %s already; close that "
+                          "connection first.",
             CNetworkAdapters::AddressText(address).data());
         return false;
     }
-    if (!m_channel.Open(adapter, address, m_error))
+    // Our own look at the camera, sharing nothing with what Aravis opens next.
+    CGvcpChannel channel;
+    if (!channel.Open(adapter, address, error))
         return false;
-
     std::uint32_t privilege = 0;
     std::uint16_t status = 0;
     const CGvcpChannel::EResult read
-        = m_channel.ReadRegister(gvcp::REG_CONTROL_CHANNEL_PRIVILEGE, privilege, status);
+        = channel.ReadRegister(gvcp::REG_CONTROL_CHANNEL_PRIVILEGE, privilege, status);
+    channel.Close();
     if (read == CGvcpChannel::NO_ANSWER || read == CGvcpChannel::FAILED) {
-        m_error = strprintf("The camera at %s does not answer on the adapter \"%s\".",
+        error = strprintf("The camera at %s does not answer on the adapter \"%s\".",
             CNetworkAdapters::AddressText(address).data(), adapter.name.data());
         return false;
     }
     if ((read == CGvcpChannel::REFUSED && status == gvcp::STATUS_ACCESS_DENIED)
         || (read == CGvcpChannel::OK
             && privilege & (gvcp::PRIVILEGE_CONTROL | gvcp::PRIVILEGE_EXCLUSIVE))) {
-        m_error = strprintf("The camera at %s is controlled by another host or program. Close "
-                            "the program that uses it, or wait until it lets the camera go.",
+        error = strprintf("The camera at %s is controlled by another host or program. Close "
+                          "the program that uses it, or wait until it lets the camera go.",
             CNetworkAdapters::AddressText(address).data());
         return false;
     }
-    const std::uint32_t wanted = exclusive ? gvcp::PRIVILEGE_EXCLUSIVE : gvcp::PRIVILEGE_CONTROL;
-    const CGvcpChannel::EResult taken
-        = m_channel.WriteRegister(gvcp::REG_CONTROL_CHANNEL_PRIVILEGE, wanted, status);
-    if (taken != CGvcpChannel::OK) {
-        m_error = strprintf("The camera at %s refused control: %s.",
+    GInetAddress* adapterAddress = inetAddress(adapter.addresses[0].address);
+    GInetAddress* cameraAddress = inetAddress(address);
+    GError* failure = nullptr;
+    ArvDevice* device = arv_gv_device_new(adapterAddress, cameraAddress, &failure);
+    g_object_unref(adapterAddress);
+    g_object_unref(cameraAddress);
+    if (!device) {
+        error = strprintf("The camera at %s cannot be opened: %s",
             CNetworkAdapters::AddressText(address).data(),
-            taken == CGvcpChannel::REFUSED ? gvcp::StatusText(status).data() : "no answer");
+            failure ? failure->message : "no reason given");
+        g_clear_error(&failure);
         return false;
     }
+    if (!arv_gv_device_is_controller(ARV_GV_DEVICE(device))
+        || (exclusive
+            && !arv_device_write_register(
+                device, gvcp::REG_CONTROL_CHANNEL_PRIVILEGE, gvcp::PRIVILEGE_EXCLUSIVE, nullptr))) {
+        g_object_unref(device);
+        error = strprintf("The camera at %s refused control; another host or program may have "
+                          "taken it a moment ago.",
+            CNetworkAdapters::AddressText(address).data());
+        return false;
+    }
+    guint32 timeout = 0;
+    if (arv_device_read_register(device, gvcp::REG_HEARTBEAT_TIMEOUT, &timeout, nullptr)
+        && timeout < MinHeartbeatTimeout)
+        arv_device_write_register(
+            device, gvcp::REG_HEARTBEAT_TIMEOUT, MinHeartbeatTimeout, nullptr);
     {
         std::lock_guard lock(controlledMutex);
         controlled().insert(address);
     }
-    m_control = true;
-    // The camera's heartbeat timeout, or the usual 3 s when it does not say.
-    std::uint32_t timeout = 3000;
-    m_channel.ReadRegister(gvcp::REG_HEARTBEAT_TIMEOUT, timeout, status);
-    const std::chrono::milliseconds period = heartbeatPeriod(timeout);
-    m_heartbeat = std::jthread([this, period](std::stop_token stop) { Heartbeat(stop, period); });
+    m_address = address;
+    Adopt(device, std::move(info),
+        strprintf("Lost control of the camera at %s: it stopped answering, restarted, or another "
+                  "host took it.",
+            CNetworkAdapters::AddressText(address).data()));
     return true;
-}
-
-void CGigEDevice::Heartbeat(std::stop_token stop, std::chrono::milliseconds period)
-{
-    // A camera that misses a few beats in a row has gone, or has given control to another.
-    constexpr int MaxMissed = 3;
-    int missed = 0;
-    for (;;) {
-        if (!IInterface::Wait(period, stop))
-            return;
-        std::uint32_t privilege = 0;
-        std::uint16_t status = 0;
-        switch (
-            m_channel.ReadRegister(gvcp::REG_CONTROL_CHANNEL_PRIVILEGE, privilege, status, stop)) {
-        case CGvcpChannel::STOPPED:
-            return;
-        case CGvcpChannel::OK:
-            missed = 0;
-            if (!(privilege & (gvcp::PRIVILEGE_CONTROL | gvcp::PRIVILEGE_EXCLUSIVE)))
-                m_control = false;
-            break;
-        default:
-            if (++missed >= MaxMissed)
-                m_control = false;
-            break;
-        }
-    }
 }
 
 void CGigEDevice::close()
 {
-    std::lock_guard lock(m_mutex);
-    if (!m_open)
+    if (!isOpen())
         return;
-    m_open = false;
-    m_heartbeat.request_stop();
-    if (m_heartbeat.joinable())
-        m_heartbeat.join();
-    if (m_control) {
-        std::uint16_t status = 0;
-        m_channel.WriteRegister(gvcp::REG_CONTROL_CHANNEL_PRIVILEGE, 0, status);
-    }
-    {
-        std::lock_guard controlledLock(controlledMutex);
-        controlled().erase(m_channel.address());
-    }
-    m_control = false;
-    m_channel.Close();
-}
-
-bool CGigEDevice::isOpen() const
-{
-    std::lock_guard lock(m_mutex);
-    return m_open;
-}
-
-const SDeviceInfo& CGigEDevice::info() const
-{
-    return m_info;
-}
-
-CString CGigEDevice::errorMessage() const
-{
-    std::lock_guard lock(m_mutex);
-    return m_error;
+    CAravisDevice::close();
+    std::lock_guard lock(controlledMutex);
+    controlled().erase(m_address);
 }
 
 bool CGigEDevice::ControlledHere(std::uint32_t address)

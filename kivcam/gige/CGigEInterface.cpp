@@ -6,7 +6,7 @@
 #include "Gvcp.h"
 
 #include <kiv/strprintf.h>
-#include <kivcam/CCameras.h>
+#include <kivcam/CameraTypes.h>
 #include <kivcam/network/CNetworkAdapters.h>
 
 #include <future>
@@ -59,19 +59,6 @@ std::pair<CString, CString> diagnose(const SGigECamera& camera)
                   "(UDP port %u), or the camera is restarting.",
             camera.adapter.name.data(), CNetworkAdapters::AddressText(device.address).data(),
             unsigned{gvcp::Port})};
-}
-
-// The camera type of a model: the first of the catalogue that lists the model, or the generic
-// type. The flag tells which.
-std::pair<TSharedPtr<ICamera>, bool> cameraType(const CString& model)
-{
-    CCameras* catalogue = cameras();
-    for (int i = 0; i < catalogue->cameraCount(); ++i) {
-        TSharedPtr<ICamera> type = catalogue->cameraAt(i);
-        if (!model.empty() && type->models.contains(model))
-            return {type, true};
-    }
-    return {catalogue->cameraByName(CGigEInterface::GenericCameraType), false};
 }
 
 } // namespace
@@ -190,31 +177,11 @@ SDeviceInfo CGigEInterface::DeviceRecord(const SGigECamera& camera) const
 SCameraInfo CGigEInterface::CameraRecord(const SGigECamera& camera) const
 {
     const gvcp::SDiscoveryAck& found = camera.device;
-    const auto [type, known] = cameraType(found.model);
-    SCameraInfo info = type ? type->defaultInfo : SCameraInfo();
-    info.name = type ? type->name : CString(GenericCameraType);
-    if (type) {
-        info.iconName = type->iconName;
-        info.controller = type->controller;
-    }
-    CString vendorModel = found.manufacturer;
-    if (!found.model.empty())
-        vendorModel += (vendorModel.empty() ? CString() : CString(" ")) + found.model;
-    info.displayName
-        = known || vendorModel.empty() ? (type ? type->displayName : info.name) : vendorModel;
-    if (info.baseModel.empty())
-        info.baseModel = found.model;
-    info.vendor = found.manufacturer;
-    info.model = found.model;
+    SCameraInfo info
+        = FoundCameraInfo(found.manufacturer, found.model, GenericCameraType, DeviceRecord(camera));
     info.serial = found.serial;
     info.identity = found.userName;
     info.firmwareVersion = found.deviceVersion;
-    info.comm = DeviceRecord(camera);
-    // Images come through the camera's own connection.
-    info.video = info.comm;
-    info.canConnect = info.comm.canConnect;
-    info.errorSummary = info.comm.errorSummary;
-    info.errorMessage = info.comm.errorMessage;
     return info;
 }
 

@@ -2,6 +2,7 @@
 
 #include "CSerialInterface.h"
 
+#include <kiv/Platform.h>
 #include <kiv/strprintf.h>
 
 #include <cerrno>
@@ -39,19 +40,6 @@ speed_t speedOf(long long rate)
 }
 
 // The group that owns the file, which users join to be let in; empty when it cannot be told.
-CString owningGroup(const CString& path)
-{
-    struct stat status { };
-    if (::stat(path.data(), &status) != 0)
-        return {};
-    group entry{};
-    group* found = nullptr;
-    std::vector<char> buffer(16384);
-    if (::getgrgid_r(status.st_gid, &entry, buffer.data(), buffer.size(), &found) != 0 || !found)
-        return strprintf("%u", static_cast<unsigned>(status.st_gid));
-    return CString(found->gr_name);
-}
-
 CString openError(const CString& path, int error)
 {
     switch (error) {
@@ -63,7 +51,7 @@ CString openError(const CString& path, int error)
             path.data());
     case EACCES:
     case EPERM: {
-        const CString group = owningGroup(path);
+        const CString group = platform::OwningGroup(path);
         if (group.empty())
             return strprintf("Permission denied for the serial port %s.", path.data());
         return strprintf("Permission denied for the serial port %s: it belongs to the group "

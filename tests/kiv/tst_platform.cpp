@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 
 #if !defined(KIV_LIBRARY) || !defined(PLATFORM_MODULE) || !defined(PLATFORM_UNRESOLVED_MODULE)
@@ -215,10 +216,7 @@ private slots:
         QVERIFY(content.empty());
         QCOMPARE(QByteArray(error.c_str()), QByteArray("larger than 10 bytes"));
     }
-    void refusesWhatIsNotARegularFile_data()
-    {
-        hostile::addPathRows(m_folder);
-    }
+    void refusesWhatIsNotARegularFile_data() { hostile::addPathRows(m_folder); }
     void refusesWhatIsNotARegularFile()
     {
         // A FIFO would block in open and a device read without end: refused before either.
@@ -245,6 +243,16 @@ private slots:
         QVERIFY(!platform::SyncFolder(CStringW("/proc/self/status")));
         QVERIFY(!platform::SyncFolder(CStringW()));
     }
+    void owningGroupNamesTheFilesGroup()
+    {
+        QTemporaryFile file;
+        QVERIFY(file.open());
+        const QByteArray path = QFile::encodeName(file.fileName());
+        const QByteArray group = QFileInfo(file.fileName()).group().toUtf8();
+        QCOMPARE(QByteArray(platform::OwningGroup(CString(path.constData())).data()), group);
+        QVERIFY(platform::OwningGroup("/no/such/file").empty());
+    }
+
     void debugOutputReachesHandler()
     {
         QVERIFY(platform::SetDebugOutputHandler(captureOutput) == nullptr);

@@ -67,8 +67,15 @@ int reportWorld(const char* megabytes)
         limitAddressSpace(megabytes);
     interfaces()->setEnableEmulators(true);
     CCameraFinder::setEnableEmulators(true);
+    // The world's controllers in the catalogue, which also has those of other backends (the
+    // GenICam controller, in a world with GenICam cameras).
+    TArray<CString> catalogue;
+    controllerFactory()->getControllerNames(catalogue);
     TArray<CString> controllers;
-    controllerFactory()->getControllerNames(controllers);
+    for (const CString& controller : catalogue) {
+        if (CEmulatorWorld::Current()->controller(controller))
+            controllers.add(controller);
+    }
     TArray<SDeviceInfo> devices;
     interfaces()->findDevices(devices, CInterfaces::FIND_PRESENT);
     CCameraFinder finder;
@@ -147,7 +154,8 @@ private slots:
         QTest::addColumn<QString>("world");
         QTest::addColumn<bool>("unset");
         QTest::addColumn<QList<int>>("counts");
-        const QList<int> defaultWorld{20, 5, 7, 22, 15, 0};
+        // With the emulated GenICam camera: its camera type, transport, device and camera.
+        const QList<int> defaultWorld{21, 5, 8, 23, 16, 0};
         QTest::newRow("unset gives the default world") << QString() << true << defaultWorld;
         QTest::newRow("empty gives the default world") << QString() << false << defaultWorld;
         QTest::newRow("documented example")
@@ -161,6 +169,8 @@ private slots:
             << dataFile("empty-world.xml") << false << QList<int>{0, 0, 0, 0, 0, 0};
         QTest::newRow("ill-formed UTF-8, repaired")
             << dataFile("emulator-utf8.xml") << false << QList<int>{1, 1, 1, 1, 1, 0};
+        QTest::newRow("GenICam cameras")
+            << dataFile("emulator-genicam.xml") << false << QList<int>{1, 0, 1, 2, 2, 0};
     }
     void loads()
     {
@@ -190,30 +200,51 @@ private slots:
     {
         QTest::addColumn<QString>("world");
         QTest::addColumn<int>("line");
-        QTest::newRow("missing file") << dataFile("no-such-world.xml") << 0;
-        QTest::newRow("empty file") << dataFile("malformed-empty.xml") << 1;
-        QTest::newRow("truncated XML") << dataFile("malformed-truncated.xml") << 8;
-        QTest::newRow("wrong root") << dataFile("malformed-root.xml") << 3;
-        QTest::newRow("bad number") << dataFile("malformed-number.xml") << 4;
-        QTest::newRow("delay too long") << dataFile("malformed-delay.xml") << 3;
-        QTest::newRow("bad record field") << dataFile("malformed-record.xml") << 7;
-        QTest::newRow("unknown camera type") << dataFile("malformed-camera-type.xml") << 11;
-        QTest::newRow("unknown video device") << dataFile("malformed-video.xml") << 8;
-        QTest::newRow("repeated device name") << dataFile("malformed-duplicate.xml") << 7;
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("missing file") << dataFile("no-such-world.xml") << 0
+                                      << "cannot read the world: No such file or directory";
+        QTest::newRow("empty file")
+            << dataFile("malformed-empty.xml") << 1 << "No document element found";
+        QTest::newRow("truncated XML")
+            << dataFile("malformed-truncated.xml") << 8 << "Start-end tags mismatch";
+        QTest::newRow("wrong root")
+            << dataFile("malformed-root.xml") << 3 << "the root element is <camera>, not <world>";
+        QTest::newRow("bad number") << dataFile("malformed-number.xml") << 4
+                                    << "malformed value \"soon\" of attribute scanDelay";
+        QTest::newRow("delay too long")
+            << dataFile("malformed-delay.xml") << 3 << "connectDelay above 10000 ms";
+        QTest::newRow("bad record field")
+            << dataFile("malformed-record.xml") << 7 << "malformed value \"wide\"";
+        QTest::newRow("unknown camera type")
+            << dataFile("malformed-camera-type.xml") << 11 << "unknown camera type \"Vanished\"";
+        QTest::newRow("unknown video device") << dataFile("malformed-video.xml") << 8
+                                              << "unknown video device \"EmuGrabber/Grabber 0\"";
+        QTest::newRow("repeated device name")
+            << dataFile("malformed-duplicate.xml") << 7 << "a second device named \"COM1\"";
+        QTest::newRow("GenICam camera without a serial")
+            << dataFile("malformed-genicam-serial.xml") << 4 << "<genicam> without a serial";
+        QTest::newRow("repeated GenICam serial")
+            << dataFile("malformed-genicam-duplicate.xml") << 5
+            << "a second <genicam> with the serial \"GC-0001\"";
+        QTest::newRow("GenICam serial too long")
+            << dataFile("malformed-genicam-long.xml") << 5
+            << "the serial \"GC-0001-AND-MORE\" is longer than 15 bytes";
     }
     void malformedWorldIsEmpty()
     {
         QFETCH(QString, world);
         QFETCH(int, line);
+        QFETCH(QString, reason);
         const SReport result = report(world);
         QCOMPARE(result.counts, QList<int>({0, 0, 0, 0, 0, 0}));
         QCOMPARE(result.debug.size(), 1);
         const QString message = QString::fromUtf8(result.debug.first());
-        const QRegularExpression form("^kivcam: (.+):(\\d+): \\S.*\\n$");
+        const QRegularExpression form("^kivcam: (.+):(\\d+): (\\S.*)\\n$");
         const QRegularExpressionMatch match = form.match(message);
         QVERIFY2(match.hasMatch(), qPrintable(message));
         QCOMPARE(match.captured(1), world);
         QCOMPARE(match.captured(2).toInt(), line);
+        QCOMPARE(match.captured(3), reason);
     }
 
     void unreadableWorldIsEmpty_data()

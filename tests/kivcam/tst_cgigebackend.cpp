@@ -48,14 +48,14 @@ private slots:
         const TSharedPtr<ICamera> type = cameras()->cameraByName("GigE Vision camera");
         QVERIFY(type);
         QCOMPARE(str(type->displayName), QByteArray("GigE Vision camera"));
-        QCOMPARE(str(type->controller), QByteArray("GigE Vision"));
+        QCOMPARE(str(type->controller), QByteArray("GenICam"));
         QVERIFY(type->IsSupportedBaseDeviceType("GigE-Vision"));
         QCOMPARE(str(type->defaultInfo.name), QByteArray("GigE Vision camera"));
         QCOMPARE(type->defaultInfo.adBits, 8);
         TArray<CString> controllers;
         controllerFactory()->getControllerNames(controllers);
-        QVERIFY(controllers.contains(CString("GigE Vision")));
-        QVERIFY(controllerFactory()->createController("GigE Vision"));
+        QVERIFY(controllers.contains(CString("GenICam")));
+        QVERIFY(controllerFactory()->createController("GenICam"));
         QVERIFY(!CBackend::all().empty());
     }
 

@@ -114,7 +114,7 @@ private slots:
         QCOMPARE(str(camera.model), QByteArray("Model B"));
         QCOMPARE(str(camera.serial), QByteArray("GV-B"));
         QCOMPARE(str(camera.identity), QByteArray("bench left"));
-        QCOMPARE(str(camera.controller), QByteArray("GigE Vision"));
+        QCOMPARE(str(camera.controller), QByteArray("GenICam"));
         QVERIFY(camera.canConnect);
         QVERIFY(camera.errorSummary.empty());
         const SDeviceInfo& comm = camera.comm;

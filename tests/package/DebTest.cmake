@@ -25,7 +25,7 @@ execute_process(COMMAND dpkg-deb --field ${debs} Package Version Depends OUTPUT_
 message(STATUS "${fields}")
 foreach(expected "Package: kivcamui\n" "Version: 1.0.0\n"
         # computed from the libraries by dpkg-shlibdeps
-        "libqt6core6" "libqt6quick6" "libpugixml1v5"
+        "libqt6core6" "libqt6quick6" "libpugixml1v5" "libaravis-0.8-0"
         # loaded at run time, so named by the package
         "qml6-module-qtquick-controls")
     string(FIND "${fields}" "${expected}" at)

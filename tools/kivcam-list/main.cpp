@@ -1,17 +1,21 @@
 // Prints what the camera library sees as plain text: the machine's serial ports and network
 // adapters, GigE Vision cameras on the adapters KIVCAM_GIGE_INTERFACES allows, and the emulated
-// transports unless --no-emulators is given:
+// transports unless --no-emulators is given; with --features, the feature tree of each GenICam
+// camera found (it connects to the camera to read it):
 //   kivcam-list
 //   kivcam-list --no-emulators
+//   kivcam-list --features
 //   KIVCAM_GIGE_INTERFACES=eth1 kivcam-list
 //   KIVCAM_EMULATOR_WORLD=my-world.xml kivcam-list
 
 #include <kiv/CString.h>
 #include <kiv/PixelType.h>
+#include <kiv/strprintf.h>
 #include <kivcam/CCameraFinder.h>
 #include <kivcam/CCameras.h>
 #include <kivcam/CControllerFactory.h>
 #include <kivcam/CInterfaces.h>
+#include <kivcam/IGenICamController.h>
 #include <kivcam/gige/CGigEConfig.h>
 
 #include <cstdio>
@@ -113,7 +117,72 @@ void printDevices()
         printDevice(device);
 }
 
-void printCameras()
+const char* typeName(SGenICamFeature::EType type)
+{
+    static const char* const names[]
+        = {"category", "integer", "float", "enumeration", "boolean", "command", "string", "other"};
+    return names[type];
+}
+
+void printFeature(const SGenICamFeature& row)
+{
+    static const char* const visibilities[] = {"Beginner", "Expert", "Guru", "Invisible"};
+    static const char* const access[] = {"not available", "RO", "WO", "RW"};
+    const int indent = 8 + 2 * row.depth;
+    if (row.type == SGenICamFeature::CATEGORY) {
+        std::printf("%*s%s  \"%s\"\n", indent, "", row.name.data(), row.displayName.data());
+        return;
+    }
+    CString limits;
+    if (row.type == SGenICamFeature::INTEGER)
+        limits = strprintf("  [%lld..%lld step %lld]", static_cast<long long>(row.intMin),
+            static_cast<long long>(row.intMax), static_cast<long long>(row.intInc));
+    else if (row.type == SGenICamFeature::FLOAT)
+        limits = strprintf("  [%g..%g%s]", row.floatMin, row.floatMax,
+            row.floatInc > 0 ? strprintf(" step %g", row.floatInc).data() : "");
+    else if (row.type == SGenICamFeature::ENUMERATION)
+        limits = "  of " + joined(row.entries);
+    std::printf("%*s%s = %s%s%s  (%s, %s, %s)%s%s\n", indent, "", row.name.data(), row.value.data(),
+        row.unit.empty() ? "" : " ", row.unit.data(), typeName(row.type),
+        visibilities[row.visibility], access[row.access], limits.data(),
+        row.accessReason.empty() ? "" : ("  -- " + row.accessReason).data());
+    if (!row.error.empty())
+        std::printf("%*s  cannot be read: %s\n", indent, "", row.error.data());
+}
+
+// Connects to a camera the way a host does, and prints its feature tree.
+void printFeatures(const SCameraInfo& camera)
+{
+    const TSharedPtr<ICamera> type = cameras()->cameraByName(camera.name);
+    const TSharedPtr<IInterface> transport
+        = interfaces()->interfaceByName(camera.comm.interfaceName);
+    if (!type || !transport || !camera.canConnect)
+        return;
+    const TSharedPtr<IController> controller
+        = controllerFactory()->createController(type->controller);
+    auto* genicam = dynamic_cast<IGenICamController*>(controller.get());
+    if (!genicam)
+        return;
+    const TSharedPtr<IDevice> device = transport->createDevice();
+    if (!device || !device->open(camera.comm, true)) {
+        std::printf("      features: the camera cannot be opened: %s\n",
+            device ? device->errorMessage().data() : "no device");
+        return;
+    }
+    if (!genicam->connect(device, camera)) {
+        std::printf(
+            "      features: the camera cannot be connected: %s\n", genicam->errorMessage().data());
+    } else {
+        const TArray<SGenICamFeature> rows = genicam->features();
+        std::printf("      features (%d rows):\n", rows.count());
+        for (const SGenICamFeature& row : rows)
+            printFeature(row);
+        genicam->disconnect();
+    }
+    device->close();
+}
+
+void printCameras(bool features)
 {
     CCameraFinder finder;
     const bool ok = finder.Find(CCameraFinder::FIND_COMM);
@@ -132,6 +201,8 @@ void printCameras()
             std::printf("      video: %s / %s\n", camera.video.interfaceName.data(),
                 camera.video.deviceName.data());
         printReasons("      ", camera.canConnect, camera.errorSummary, camera.errorMessage);
+        if (features)
+            printFeatures(camera);
     }
 }
 
@@ -139,10 +210,21 @@ void printCameras()
 
 int main(int argc, char** argv)
 {
-    const bool emulators = argc == 1;
-    if (argc > 2 || (argc == 2 && std::strcmp(argv[1], "--no-emulators") != 0)) {
+    bool emulators = true;
+    bool features = false;
+    bool usage = false;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--no-emulators") == 0)
+            emulators = false;
+        else if (std::strcmp(argv[i], "--features") == 0)
+            features = true;
+        else
+            usage = true;
+    }
+    if (usage) {
         std::fprintf(stderr,
-            "usage: kivcam-list [--no-emulators]\n"
+            "usage: kivcam-list [--no-emulators] [--features]\n"
+            "--features connects to each GenICam camera found and prints its feature tree.\n"
             "Set KIVCAM_GIGE_INTERFACES to the network adapters GigE Vision discovery may use\n"
             "(\"eth1,eth2\", or \"*\" for all); it broadcasts on them.\n"
             "Set KIVCAM_EMULATOR_WORLD to list another emulator world.\n");
@@ -154,7 +236,7 @@ int main(int argc, char** argv)
     printControllers();
     printInterfaces();
     printDevices();
-    printCameras();
+    printCameras(features);
     if (!CGigEConfig::Enabled())
         std::printf("\nGigE Vision discovery is off: set KIVCAM_GIGE_INTERFACES to the network "
                     "adapters it may use.\n");

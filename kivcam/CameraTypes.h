@@ -1,0 +1,31 @@
+#pragma once
+
+#include <kiv/CString.h>
+#include <kiv/TSharedPtr.h>
+#include <kivcam/ICamera.h>
+#include <kivcam/SCameraInfo.h>
+
+#include <utility>
+
+// The camera types of cameras that a real transport finds on its own, shared by the transports.
+namespace kiv::cam {
+
+// A camera type for the cameras of a transport whose model no other type lists: 8-bit
+// monochrome until its controller reads the camera's own format.
+TSharedPtr<ICamera> GenericCameraType(const CString& name, const CString& iconName,
+    const CString& description, const CString& controller, const CString& baseType);
+
+// The camera type of a model: the first type of the camera catalogue that lists the model, or
+// the type named genericType (empty when the catalogue has none of that name). The flag is true
+// when the catalogue knows the model.
+std::pair<TSharedPtr<ICamera>, bool> CameraTypeOfModel(
+    const CString& model, const CString& genericType);
+
+// The record of a found camera that is its own device, for control and images alike: its type's
+// template description with the type's name, icon and controller, the camera's vendor and model,
+// a display name of vendor and model unless the catalogue knows the model, and device as comm
+// and video, whose canConnect and reasons it takes. The transport fills in the rest.
+SCameraInfo FoundCameraInfo(const CString& vendor, const CString& model, const CString& genericType,
+    const SDeviceInfo& device);
+
+} // namespace kiv::cam

@@ -1,0 +1,7 @@
+#include "IGenICamController.h"
+
+namespace kiv::cam {
+
+IGenICamController::~IGenICamController() = default;
+
+} // namespace kiv::cam

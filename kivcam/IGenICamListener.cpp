@@ -1,0 +1,7 @@
+#include "IGenICamListener.h"
+
+namespace kiv::cam {
+
+IGenICamListener::~IGenICamListener() = default;
+
+} // namespace kiv::cam
