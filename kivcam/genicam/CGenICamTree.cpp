@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 
 namespace kiv::cam {
 
@@ -153,22 +154,36 @@ void readEntries(ArvGcEnumeration* node, SGenICamFeature& row, GError*& error)
     g_free(displayNames);
 }
 
+// A limit as read, or what stands for no limit when the feature has none.
+template <typename T> T limit(T value, T none, GError*& error)
+{
+    if (!error)
+        return value;
+    g_clear_error(&error);
+    return none;
+}
+
 // The value and the limits of a readable feature.
 void readValue(ArvGcNode* node, SGenICamFeature& row)
 {
     GError* error = nullptr;
+    GError* limitError = nullptr;
     switch (row.type) {
     case SGenICamFeature::INTEGER:
         if (ARV_IS_GC_INTEGER(node)) {
             ArvGcInteger* integer = ARV_GC_INTEGER(node);
             row.value
                 = numberText(static_cast<std::int64_t>(arv_gc_integer_get_value(integer, &error)));
-            if (!error)
-                row.intMin = arv_gc_integer_get_min(integer, &error);
-            if (!error)
-                row.intMax = arv_gc_integer_get_max(integer, &error);
-            if (!error)
-                row.intInc = std::max<std::int64_t>(1, arv_gc_integer_get_inc(integer, &error));
+            if (!error) {
+                // A computed integer (a SwissKnife) may have no limits at all.
+                row.intMin = limit<std::int64_t>(arv_gc_integer_get_min(integer, &limitError),
+                    std::numeric_limits<std::int64_t>::min(), limitError);
+                row.intMax = limit<std::int64_t>(arv_gc_integer_get_max(integer, &limitError),
+                    std::numeric_limits<std::int64_t>::max(), limitError);
+                row.intInc = std::max<std::int64_t>(1,
+                    limit<std::int64_t>(
+                        arv_gc_integer_get_inc(integer, &limitError), 1, limitError));
+            }
             row.unit = CString(arv_gc_integer_get_unit(integer));
         }
         break;
@@ -176,13 +191,14 @@ void readValue(ArvGcNode* node, SGenICamFeature& row)
         if (ARV_IS_GC_FLOAT(node)) {
             ArvGcFloat* number = ARV_GC_FLOAT(node);
             row.value = numberText(arv_gc_float_get_value(number, &error));
-            if (!error)
-                row.floatMin = arv_gc_float_get_min(number, &error);
-            if (!error)
-                row.floatMax = arv_gc_float_get_max(number, &error);
             if (!error) {
+                row.floatMin = limit(arv_gc_float_get_min(number, &limitError),
+                    std::numeric_limits<double>::lowest(), limitError);
+                row.floatMax = limit(arv_gc_float_get_max(number, &limitError),
+                    std::numeric_limits<double>::max(), limitError);
                 // Aravis gives a vanishing step for a float without one.
-                const double inc = arv_gc_float_get_inc(number, &error);
+                const double inc
+                    = limit(arv_gc_float_get_inc(number, &limitError), 0.0, limitError);
                 row.floatInc = std::isfinite(inc) && inc > 1e-300 ? inc : 0;
             }
             row.unit = CString(arv_gc_float_get_unit(number));

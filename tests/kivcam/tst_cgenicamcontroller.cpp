@@ -206,6 +206,8 @@ private slots:
                 QCOMPARE(row.depth, 0);
             }
             visibilities << row.visibility;
+            // Every feature reads, computed ones without limits (PayloadSize) included.
+            QVERIFY2(row.error.empty(), row.error.data());
         }
         QCOMPARE(visibilities,
             (QSet<int>{SGenICamFeature::BEGINNER, SGenICamFeature::EXPERT, SGenICamFeature::GURU,
@@ -234,6 +236,7 @@ private slots:
         QCOMPARE(rowOf(rows, "AcquisitionStart")->type, SGenICamFeature::COMMAND);
         QCOMPARE(rowOf(rows, "DeviceUserID")->type, SGenICamFeature::STRING);
         QCOMPARE(str(rowOf(rows, "DeviceModelName")->value), QByteArray("Emulated GenICam"));
+        QCOMPARE(str(rowOf(rows, "PayloadSize")->value), QByteArray("262144"));
 
         SGenICamFeature found;
         QVERIFY(controller.feature("Width", found));
@@ -424,6 +427,31 @@ private slots:
         // Requests queued before a disconnect are carried out, and each is answered.
         QTRY_COMPARE(answered.load(), 50);
         QVERIFY(!controller.isConnected());
+    }
+
+    void aListenerMayDisconnectFromWithinItsCall()
+    {
+        struct CDisconnecter : CFrames {
+            IController* controller = nullptr;
+            void frameArrived(const TSharedPtr<const CImage>& frame) override
+            {
+                CFrames::frameArrived(frame);
+                controller->disconnect();
+            }
+        } frames;
+        CGenICamController controller;
+        frames.controller = &controller;
+        controller.frameSource()->subscribe(&frames);
+        QVERIFY(controller.connect(openDevice(), camera()));
+        QTRY_VERIFY_WITH_TIMEOUT(!controller.isConnected(), 10000);
+        QTRY_COMPARE(frames.stops(), 1);
+        QTest::qWait(200);
+        QCOMPARE(frames.frames(), 1);
+        // The worker has closed the camera: it connects again.
+        QTRY_VERIFY(controller.features().empty());
+        frames.controller = nullptr;
+        controller.frameSource()->unsubscribe(&frames);
+        QVERIFY(controller.connect(openDevice(), camera()));
     }
 
     void destroyedWhileConnected()

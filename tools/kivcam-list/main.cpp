@@ -1,7 +1,7 @@
 // Prints what the camera library sees as plain text: the machine's serial ports and network
-// adapters, GigE Vision cameras on the adapters KIVCAM_GIGE_INTERFACES allows, and the emulated
-// transports unless --no-emulators is given; with --features, the feature tree of each GenICam
-// camera found (it connects to the camera to read it):
+// adapters, GigE Vision cameras on the adapters KIVCAM_GIGE_INTERFACES allows, USB3 Vision
+// cameras, and the emulated transports unless --no-emulators is given; with --features, the
+// feature tree of each GenICam camera found (it connects to the camera to read it):
 //   kivcam-list
 //   kivcam-list --no-emulators
 //   kivcam-list --features
@@ -133,11 +133,12 @@ void printFeature(const SGenICamFeature& row)
         std::printf("%*s%s  \"%s\"\n", indent, "", row.name.data(), row.displayName.data());
         return;
     }
+    // Limits matter for what can be written.
     CString limits;
-    if (row.type == SGenICamFeature::INTEGER)
+    if (row.isWritable() && row.type == SGenICamFeature::INTEGER)
         limits = strprintf("  [%lld..%lld step %lld]", static_cast<long long>(row.intMin),
             static_cast<long long>(row.intMax), static_cast<long long>(row.intInc));
-    else if (row.type == SGenICamFeature::FLOAT)
+    else if (row.isWritable() && row.type == SGenICamFeature::FLOAT)
         limits = strprintf("  [%g..%g%s]", row.floatMin, row.floatMax,
             row.floatInc > 0 ? strprintf(" step %g", row.floatInc).data() : "");
     else if (row.type == SGenICamFeature::ENUMERATION)
