@@ -7,6 +7,7 @@
 #include <kivcam/SGenICamFeature.h>
 #include <kivcam/kivcam_export.h>
 
+#include <cstdint>
 #include <functional>
 
 namespace kiv::cam {
