@@ -56,7 +56,7 @@ void WindowEditor::setWindow(QRect window)
     update();
 }
 
-// The sizes and the increment take effect with the next drag; they repaint nothing, and
+// The sizes and the increments take effect with the next drag; they repaint nothing, and
 // announce no change of validity.
 void WindowEditor::setMinSize(QSize size)
 {
@@ -76,15 +76,42 @@ void WindowEditor::setIncrement(QPoint increment)
         emit incrementChanged();
 }
 
+void WindowEditor::setOffsetIncrement(QPoint increment)
+{
+    if (StoreIncrement(m_offsetIncrement, increment))
+        emit offsetIncrementChanged();
+}
+
+void WindowEditor::resetOffsetIncrement()
+{
+    if (m_offsetIncrement.isNull())
+        return;
+    m_offsetIncrement = QPoint();
+    emit offsetIncrementChanged();
+}
+
+QPoint WindowEditor::OffsetStep() const
+{
+    return m_offsetIncrement.isNull() ? m_increment : m_offsetIncrement;
+}
+
+int WindowEditor::Fit(int room, int step) const
+{
+    if (m_offsetIncrement.isNull())
+        return room;
+    return room - room % step;
+}
+
 bool WindowEditor::isWindowValid() const
 {
     const QRect& w = m_window;
     if (m_centeredOnly && w.topLeft() != CenteredOrigin(w.size()))
         return false;
+    const QPoint offsetStep = OffsetStep();
     return w.width() >= m_minSize.width() && w.height() >= m_minSize.height()
         && qint64(w.x()) + w.width() <= m_maxSize.width()
-        && qint64(w.y()) + w.height() <= m_maxSize.height() && w.x() % m_increment.x() == 0
-        && w.width() % m_increment.x() == 0 && w.y() % m_increment.y() == 0
+        && qint64(w.y()) + w.height() <= m_maxSize.height() && w.x() % offsetStep.x() == 0
+        && w.width() % m_increment.x() == 0 && w.y() % offsetStep.y() == 0
         && w.height() % m_increment.y() == 0;
 }
 
@@ -104,7 +131,8 @@ QPoint WindowEditor::CenteredOrigin(QSize size) const
 {
     const int cx = (m_maxSize.width() - size.width()) / 2;
     const int cy = (m_maxSize.height() - size.height()) / 2;
-    return {cx - cx % m_increment.x(), cy - cy % m_increment.y()};
+    const QPoint step = OffsetStep();
+    return {cx - cx % step.x(), cy - cy % step.y()};
 }
 
 QSize WindowEditor::AreaSize() const
@@ -307,43 +335,46 @@ void WindowEditor::mouseMoveEvent(QMouseEvent* event)
     const int maxHeight = m_maxSize.height();
     const int minWidth = m_minSize.width();
     const int minHeight = m_minSize.height();
+    const QPoint offsetStep = OffsetStep();
     if (m_centeredOnly) {
         r.setWidth(std::min(maxWidth, std::max(minWidth, snap(r.width(), m_increment.x()))));
         r.setHeight(std::min(maxHeight, std::max(minHeight, snap(r.height(), m_increment.y()))));
         r.moveTo(CenteredOrigin(r.size()));
     } else if (m_activeCP == Move) {
-        r.moveLeft(snap(r.left(), m_increment.x()));
-        r.moveTop(snap(r.top(), m_increment.y()));
+        r.moveLeft(snap(r.left(), offsetStep.x()));
+        r.moveTop(snap(r.top(), offsetStep.y()));
         if (r.left() < 0)
             r.moveLeft(0);
         if (r.top() < 0)
             r.moveTop(0);
         if (r.left() + r.width() > maxWidth)
-            r.moveLeft(maxWidth - r.width());
+            r.moveLeft(Fit(maxWidth - r.width(), offsetStep.x()));
         if (r.top() + r.height() > maxHeight)
-            r.moveTop(maxHeight - r.height());
+            r.moveTop(Fit(maxHeight - r.height(), offsetStep.y()));
     } else {
-        r.setX(snap(r.x(), m_increment.x()));
-        r.setY(snap(r.y(), m_increment.y()));
-        r.setWidth(snap(r.width(), m_increment.x()));
-        r.setHeight(snap(r.height(), m_increment.y()));
+        // Onto the sensor before snapping: moving a snapped left or top edge to 0 would change
+        // the size by offset steps, which need not be size steps.
         if (r.x() < 0)
             r.setX(0);
         if (r.y() < 0)
             r.setY(0);
+        r.setX(snap(r.x(), offsetStep.x()));
+        r.setY(snap(r.y(), offsetStep.y()));
+        r.setWidth(snap(r.width(), m_increment.x()));
+        r.setHeight(snap(r.height(), m_increment.y()));
         if (r.x() + r.width() > maxWidth)
-            r.setWidth(maxWidth - r.x());
+            r.setWidth(Fit(maxWidth - r.x(), m_increment.x()));
         if (r.y() + r.height() > maxHeight)
-            r.setHeight(maxHeight - r.y());
+            r.setHeight(Fit(maxHeight - r.y(), m_increment.y()));
         if (r.width() < minWidth) {
             if (minWidth + r.x() > maxWidth)
-                r.setX(maxWidth - minWidth);
+                r.setX(Fit(maxWidth - minWidth, offsetStep.x()));
             r.setWidth(minWidth);
         }
         if (r.height() < minHeight) {
             // The minimum width, not height, decides here; the window stays as it always did.
             if (minWidth + r.y() > maxHeight)
-                r.setY(maxHeight - minHeight);
+                r.setY(Fit(maxHeight - minHeight, offsetStep.y()));
             r.setHeight(minHeight);
         }
     }

@@ -14,12 +14,16 @@ namespace kiv::cam::ui {
 // maxSize, drawn over a preview picture that fills the item. The window is moved by dragging it
 // and resized by any of its edges and corners, snapping to the increments and kept within the
 // minimum and maximum sizes. Properties are in sensor pixels; the item maps them to its own.
+// The window's origin snaps to offsetIncrement where the camera has one of its own, and its size
+// to increment.
 class KIVCAMUI_EXPORT WindowEditor : public EditorItem {
     Q_OBJECT
     Q_PROPERTY(QRect window READ window WRITE setWindow NOTIFY windowChanged)
     Q_PROPERTY(QSize minSize READ minSize WRITE setMinSize NOTIFY minSizeChanged)
     Q_PROPERTY(QSize maxSize READ maxSize WRITE setMaxSize NOTIFY maxSizeChanged)
     Q_PROPERTY(QPoint increment READ increment WRITE setIncrement NOTIFY incrementChanged)
+    Q_PROPERTY(QPoint offsetIncrement READ offsetIncrement WRITE setOffsetIncrement RESET
+            resetOffsetIncrement NOTIFY offsetIncrementChanged)
     Q_PROPERTY(bool isWindowValid READ isWindowValid NOTIFY isWindowValidChanged)
     Q_PROPERTY(bool centeredOnly READ centeredOnly WRITE setCenteredOnly NOTIFY centeredOnlyChanged)
     Q_PROPERTY(bool isSubWindow READ isSubWindow WRITE setIsSubWindow NOTIFY isSubWindowChanged)
@@ -40,6 +44,10 @@ public:
     void setMaxSize(QSize size);
     QPoint increment() const { return m_increment; }
     void setIncrement(QPoint increment);
+    // (0, 0) while unset, its default: the origin then snaps to increment. Reset unsets it.
+    QPoint offsetIncrement() const { return m_offsetIncrement; }
+    void setOffsetIncrement(QPoint increment);
+    void resetOffsetIncrement();
     bool isWindowValid() const;
     bool centeredOnly() const { return m_centeredOnly; }
     void setCenteredOnly(bool centeredOnly);
@@ -57,6 +65,7 @@ signals:
     void minSizeChanged();
     void maxSizeChanged();
     void incrementChanged();
+    void offsetIncrementChanged();
     void isWindowValidChanged();
     void centeredOnlyChanged();
     void isSubWindowChanged();
@@ -93,13 +102,19 @@ private:
     QPoint RealToVisible(QPoint real) const;
     QRect RealToVisible(const QRect& real) const;
     QPoint VisibleToReal(QPoint visible) const;
-    // Where a window of the given size sits when centred on the sensor, on the increments.
+    // The step of the window's origin: offsetIncrement, or increment while that is unset.
+    QPoint OffsetStep() const;
+    // Where a window of the given size sits when centred on the sensor, on the offset steps.
     QPoint CenteredOrigin(QSize size) const;
+    // The room a clamp leaves for an offset or a size, down to its step when the offset has an
+    // increment of its own; unset, the room as it always was, on the steps or not.
+    int Fit(int room, int step) const;
 
     QRect m_window{0, 0, 320, 256};
     QSize m_minSize{1, 1};
     QSize m_maxSize{320, 256};
     QPoint m_increment{1, 1};
+    QPoint m_offsetIncrement;
     ControlPoint m_activeCP = None;
     QRect m_windowAtPress;
     QPoint m_pressPoint;

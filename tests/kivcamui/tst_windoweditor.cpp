@@ -8,6 +8,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <utility>
+
 using kiv::cam::ui::EditorItem;
 using kiv::cam::ui::WindowEditor;
 
@@ -26,6 +28,46 @@ void setUpSensor(Scene& scene, QRect window = QRect(100, 100, 200, 100))
     scene.editor->setWindow(window);
 }
 
+// Drags each handle of the window (100, 100, 208, 96), shown 1:1, by small and large amounts,
+// past the sensor's edges and past the opposite edge, from that window each time, and calls
+// check after each drag with its name.
+template <typename Check> void forEachDrag(Scene& scene, Check check)
+{
+    const std::pair<const char*, QPoint> handles[]
+        = {{"Top", QPoint(204, 100)}, {"Left", QPoint(100, 148)}, {"Bottom", QPoint(204, 196)},
+            {"Right", QPoint(308, 148)}, {"TopLeft", QPoint(100, 100)},
+            {"BottomRight", QPoint(308, 196)}, {"TopRight", QPoint(308, 100)},
+            {"BottomLeft", QPoint(100, 196)}, {"Move", QPoint(150, 130)}};
+    const QPoint moves[]
+        = {QPoint(1, 1), QPoint(3, -2), QPoint(-7, 9), QPoint(13, 5), QPoint(-150, -150),
+            QPoint(400, 400), QPoint(250, 150), QPoint(-250, -150), QPoint(208, 96)};
+    for (const auto& [name, at] : handles) {
+        for (const QPoint by : moves) {
+            scene.editor->setWindow(QRect(100, 100, 208, 96));
+            scene.drag(at, at + by);
+            check(QStringLiteral("%1 by %2, %3").arg(name).arg(by.x()).arg(by.y()));
+        }
+    }
+}
+
+// The validity rows (window, centeredOnly, valid) on a 640 x 512 sensor, minimum 16 x 8.
+void checkValidity(QPoint increment, QPoint offsetIncrement)
+{
+    QFETCH(QRect, window);
+    QFETCH(bool, centeredOnly);
+    QFETCH(bool, valid);
+    WindowEditor editor;
+    editor.setMaxSize(QSize(640, 512));
+    editor.setMinSize(QSize(16, 8));
+    editor.setIncrement(increment);
+    editor.setOffsetIncrement(offsetIncrement);
+    editor.setWindow(window);
+    // Turning centred mode on keeps the window where it is.
+    editor.setCenteredOnly(centeredOnly);
+    QCOMPARE(editor.window(), window);
+    QCOMPARE(editor.isWindowValid(), valid);
+}
+
 } // namespace
 
 class tst_WindowEditor : public QObject {
@@ -41,6 +83,7 @@ private slots:
         QCOMPARE(editor.minSize(), QSize(1, 1));
         QCOMPARE(editor.maxSize(), QSize(320, 256));
         QCOMPARE(editor.increment(), QPoint(1, 1));
+        QCOMPARE(editor.offsetIncrement(), QPoint(0, 0));
         QCOMPARE(editor.tracking(), false);
         QCOMPARE(editor.isWindowValid(), true);
         QCOMPARE(editor.centeredOnly(), false);
@@ -187,6 +230,225 @@ private slots:
         scene.drag(from, from + by);
         QCOMPARE(scene.editor->window(), expected);
         QVERIFY(scene.editor->isWindowValid());
+    }
+
+    // A separate offset increment: origins on steps of 4, sizes on steps of 16. The window
+    // (100, 100, 208, 96) is valid; its handles' centres, 1:1: Left (100, 148), Top (204, 100),
+    // TopLeft (100, 100), BottomRight (308, 196), Right (308, 148), inside (150, 130).
+    void dragWithOffsetIncrement_data()
+    {
+        QTest::addColumn<QPoint>("from");
+        QTest::addColumn<QPoint>("by");
+        QTest::addColumn<QRect>("expected");
+        // Left 103 snaps to 104; the width 204 is 12.75 steps: 208, so the right edge follows.
+        QTest::newRow("Left +3") << QPoint(100, 148) << QPoint(3, 0) << QRect(104, 100, 208, 96);
+        // Left 111 snaps to 112; the width 196 is 12.25 steps: 192.
+        QTest::newRow("Left +11") << QPoint(100, 148) << QPoint(11, 0) << QRect(112, 100, 192, 96);
+        // Top 103 snaps to 104; the height 92 is 5.75 steps: 96.
+        QTest::newRow("Top +3") << QPoint(204, 100) << QPoint(0, 3) << QRect(100, 104, 208, 96);
+        // 90 is 22.5 steps of 4: 92; the sizes 216 and 104 are 13.5 and 6.5 steps: 224 and 112.
+        QTest::newRow("TopLeft -10 -10")
+            << QPoint(100, 100) << QPoint(-10, -10) << QRect(92, 92, 224, 112);
+        QTest::newRow("TopLeft -5 -5")
+            << QPoint(100, 100) << QPoint(-5, -5) << QRect(96, 96, 208, 96);
+        QTest::newRow("BottomRight +10 +10")
+            << QPoint(308, 196) << QPoint(10, 10) << QRect(100, 100, 224, 112);
+        // 102 is 25.5 steps of 4: 104. 101 is 25.25 steps: 100.
+        QTest::newRow("Move +2 +1") << QPoint(150, 130) << QPoint(2, 1) << QRect(104, 100, 208, 96);
+        QTest::newRow("Move -6 +6") << QPoint(150, 130) << QPoint(-6, 6) << QRect(96, 108, 208, 96);
+        // Past the sensor's left edge the window starts at 0 and spans to 308: 304 on the steps.
+        QTest::newRow("Left past the sensor")
+            << QPoint(100, 148) << QPoint(-150, 0) << QRect(0, 100, 304, 96);
+        QTest::newRow("Top past the sensor")
+            << QPoint(204, 100) << QPoint(0, -150) << QRect(100, 0, 208, 192);
+        // The room right of 100 is 540: the width stops at 528, on the steps.
+        QTest::newRow("Right past the sensor")
+            << QPoint(308, 148) << QPoint(400, 0) << QRect(100, 100, 528, 96);
+        QTest::newRow("BottomRight past the sensor")
+            << QPoint(308, 196) << QPoint(400, 400) << QRect(100, 100, 528, 400);
+        QTest::newRow("Move past the right and bottom")
+            << QPoint(150, 130) << QPoint(450, 370) << QRect(432, 416, 208, 96);
+    }
+    void dragWithOffsetIncrement()
+    {
+        QFETCH(QPoint, from);
+        QFETCH(QPoint, by);
+        QFETCH(QRect, expected);
+        Scene scene(QSize(640, 512));
+        setUpSensor(scene, QRect(100, 100, 208, 96));
+        scene.editor->setIncrement(QPoint(16, 16));
+        scene.editor->setOffsetIncrement(QPoint(4, 4));
+        QVERIFY(scene.editor->isWindowValid());
+        QVERIFY(scene.show());
+        SignalLog log(scene.editor, &EditorItem::staticMetaObject);
+        scene.drag(from, from + by);
+        QCOMPARE(scene.editor->window(), expected);
+        QVERIFY(scene.editor->isWindowValid());
+        // Valid before and after: only the window's change is announced.
+        QCOMPARE(log.take(), (QStringList{"trackingChanged", "windowChanged", "trackingChanged"}));
+    }
+
+    // Whatever a handle does, the window lands on a valid one, with offset steps finer and
+    // coarser than the size steps.
+    void everyDragWithOffsetIncrementIsValid_data()
+    {
+        QTest::addColumn<QPoint>("offsetIncrement");
+        QTest::addColumn<QPoint>("increment");
+        QTest::newRow("offset 4, 4, size 16, 16") << QPoint(4, 4) << QPoint(16, 16);
+        QTest::newRow("offset 16, 32, size 4, 8") << QPoint(16, 32) << QPoint(4, 8);
+    }
+    void everyDragWithOffsetIncrementIsValid()
+    {
+        QFETCH(QPoint, offsetIncrement);
+        QFETCH(QPoint, increment);
+        Scene scene(QSize(640, 512));
+        setUpSensor(scene);
+        scene.editor->setMinSize(QSize(32, 32));
+        scene.editor->setIncrement(increment);
+        scene.editor->setOffsetIncrement(offsetIncrement);
+        QVERIFY(scene.show());
+        forEachDrag(scene, [&](const QString& drag) {
+            const QRect w = scene.editor->window();
+            QVERIFY2(scene.editor->isWindowValid(),
+                qPrintable(drag
+                    + QStringLiteral(": (%1, %2, %3, %4)")
+                          .arg(w.x())
+                          .arg(w.y())
+                          .arg(w.width())
+                          .arg(w.height())));
+        });
+    }
+
+    // An offset increment equal to the increment drags exactly as none does.
+    void offsetIncrementUnsetChangesNothing_data()
+    {
+        QTest::addColumn<QPoint>("increment");
+        QTest::newRow("1, 1") << QPoint(1, 1);
+        QTest::newRow("4, 2") << QPoint(4, 2);
+        QTest::newRow("16, 8") << QPoint(16, 8);
+    }
+    void offsetIncrementUnsetChangesNothing()
+    {
+        QFETCH(QPoint, increment);
+        Scene unset(QSize(640, 512));
+        Scene same(QSize(640, 512));
+        for (Scene* scene : {&unset, &same}) {
+            setUpSensor(*scene);
+            scene->editor->setMinSize(QSize(32, 32));
+            scene->editor->setIncrement(increment);
+            QVERIFY(scene->show());
+        }
+        same.editor->setOffsetIncrement(increment);
+        QList<QRect> windows;
+        forEachDrag(unset, [&](const QString&) { windows << unset.editor->window(); });
+        QCOMPARE(windows.size(), 81);
+        forEachDrag(same, [&](const QString& drag) {
+            QVERIFY2(same.editor->window() == windows.takeFirst(), qPrintable(drag));
+        });
+    }
+
+    void dragCentredWithOffsetIncrement_data()
+    {
+        QTest::addColumn<QPoint>("offsetIncrement");
+        QTest::addColumn<QRect>("expected");
+        // Width 228 is 14.25 steps of 16: 224, centred at 208, on the steps of 4.
+        QTest::newRow("offset 4") << QPoint(4, 4) << QRect(208, 208, 224, 96);
+        // 208 is not on the steps of 32: the window sits at 192.
+        QTest::newRow("offset 32") << QPoint(32, 32) << QRect(192, 192, 224, 96);
+    }
+    void dragCentredWithOffsetIncrement()
+    {
+        QFETCH(QPoint, offsetIncrement);
+        QFETCH(QRect, expected);
+        Scene scene(QSize(640, 512));
+        setUpSensor(scene, QRect(216, 208, 208, 96));
+        scene.editor->setIncrement(QPoint(16, 16));
+        scene.editor->setOffsetIncrement(offsetIncrement);
+        scene.editor->setCenteredOnly(true);
+        QVERIFY(scene.show());
+        // The Right handle, at (424, 256) before the window is centred on the offset steps.
+        const QPoint right = scene.editor->window().topLeft() + QPoint(208, 48);
+        scene.drag(right, right + QPoint(10, 0));
+        QCOMPARE(scene.editor->window(), expected);
+        QVERIFY(scene.editor->isWindowValid());
+    }
+
+    void validityWithOffsetIncrement_data()
+    {
+        QTest::addColumn<QRect>("window");
+        QTest::addColumn<bool>("centeredOnly");
+        QTest::addColumn<bool>("valid");
+        // Sensor 640 x 512, minimum 16 x 8, increment (16, 16), offset increment (4, 2).
+        QTest::newRow("on the steps") << QRect(100, 102, 208, 96) << false << true;
+        QTest::newRow("x on an offset step only") << QRect(104, 100, 208, 96) << false << true;
+        QTest::newRow("x off the offset steps") << QRect(102, 100, 208, 96) << false << false;
+        QTest::newRow("y off the offset steps") << QRect(100, 101, 208, 96) << false << false;
+        QTest::newRow("width on an offset step only") << QRect(100, 100, 204, 96) << false << false;
+        QTest::newRow("height on an offset step only")
+            << QRect(100, 100, 208, 98) << false << false;
+        QTest::newRow("to the sensor's edges") << QRect(432, 416, 208, 96) << false << true;
+        // (640 - 208) / 2 = 216 and (512 - 96) / 2 = 208: on the offset steps.
+        QTest::newRow("centred") << QRect(216, 208, 208, 96) << true << true;
+        QTest::newRow("off the centre") << QRect(212, 208, 208, 96) << true << false;
+    }
+    void validityWithOffsetIncrement() { checkValidity(QPoint(16, 16), QPoint(4, 2)); }
+
+    void setWindowCentresOnTheOffsetSteps()
+    {
+        WindowEditor editor;
+        editor.setMaxSize(QSize(640, 512));
+        editor.setIncrement(QPoint(16, 16));
+        editor.setOffsetIncrement(QPoint(4, 4));
+        editor.setCenteredOnly(true);
+        // The centre (216, 210) goes down to the offset steps: (216, 208).
+        editor.setWindow(QRect(0, 0, 208, 92));
+        QCOMPARE(editor.window(), QRect(216, 208, 208, 92));
+    }
+
+    void offsetIncrementAnnouncesNoValidity()
+    {
+        WindowEditor editor;
+        editor.setMaxSize(QSize(640, 512));
+        editor.setIncrement(QPoint(16, 16));
+        editor.setWindow(QRect(104, 100, 208, 96));
+        QVERIFY(!editor.isWindowValid());
+        SignalLog log(&editor, &EditorItem::staticMetaObject);
+        QSignalSpy changed(&editor, &WindowEditor::offsetIncrementChanged);
+        editor.setOffsetIncrement(QPoint(4, 4));
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(editor.offsetIncrement(), QPoint(4, 4));
+        QVERIFY(editor.isWindowValid());
+        QCOMPARE(log.take(), QStringList{"offsetIncrementChanged"});
+        // Refused values leave it as it is.
+        editor.setOffsetIncrement(QPoint(0, 0));
+        editor.setOffsetIncrement(QPoint(-4, 4));
+        QCOMPARE(editor.offsetIncrement(), QPoint(4, 4));
+        QCOMPARE(changed.count(), 1);
+    }
+
+    void resetUnsetsTheOffsetIncrement()
+    {
+        WindowEditor editor;
+        editor.setIncrement(QPoint(16, 16));
+        editor.setWindow(QRect(16, 16, 32, 32));
+        SignalLog log(&editor, &EditorItem::staticMetaObject);
+        // Unset already: no change.
+        editor.resetOffsetIncrement();
+        QCOMPARE(log.take(), QStringList());
+        editor.setOffsetIncrement(QPoint(4, 4));
+        editor.setWindow(QRect(20, 16, 32, 32));
+        QVERIFY(editor.isWindowValid());
+        QCOMPARE(log.take(), (QStringList{"offsetIncrementChanged", "windowChanged"}));
+        const QMetaProperty property = editor.metaObject()->property(
+            editor.metaObject()->indexOfProperty("offsetIncrement"));
+        QVERIFY(property.isResettable());
+        QVERIFY(property.reset(&editor));
+        QCOMPARE(editor.offsetIncrement(), QPoint(0, 0));
+        QCOMPARE(log.take(), QStringList{"offsetIncrementChanged"});
+        // The origin is back on the steps of 16.
+        QVERIFY(!editor.isWindowValid());
+        editor.resetOffsetIncrement();
+        QCOMPARE(log.take(), QStringList());
     }
 
     // A centred window (220, 206, 200, 100) grows on both sides: the drag counts twice.
@@ -495,21 +757,7 @@ private slots:
         QTest::newRow("exactly centred, off the steps")
             << QRect(218, 206, 204, 100) << true << false;
     }
-    void validity()
-    {
-        QFETCH(QRect, window);
-        QFETCH(bool, centeredOnly);
-        QFETCH(bool, valid);
-        WindowEditor editor;
-        editor.setMaxSize(QSize(640, 512));
-        editor.setMinSize(QSize(16, 8));
-        editor.setIncrement(QPoint(4, 2));
-        editor.setWindow(window);
-        // Turning centred mode on keeps the window where it is.
-        editor.setCenteredOnly(centeredOnly);
-        QCOMPARE(editor.window(), window);
-        QCOMPARE(editor.isWindowValid(), valid);
-    }
+    void validity() { checkValidity(QPoint(4, 2), QPoint()); }
     void validityIgnoresTheSubWindow()
     {
         WindowEditor editor;
@@ -546,6 +794,14 @@ private slots:
             << "increment" << QVariant(QPoint(3, 3)) << QStringList{"incrementChanged"};
         QTest::newRow("increment 0") << "increment" << QVariant(QPoint(0, 3)) << QStringList();
         QTest::newRow("increment y 0") << "increment" << QVariant(QPoint(3, 0)) << QStringList();
+        QTest::newRow("offsetIncrement")
+            << "offsetIncrement" << QVariant(QPoint(4, 2)) << QStringList{"offsetIncrementChanged"};
+        QTest::newRow("offsetIncrement 0")
+            << "offsetIncrement" << QVariant(QPoint(0, 2)) << QStringList();
+        QTest::newRow("offsetIncrement y negative")
+            << "offsetIncrement" << QVariant(QPoint(4, -2)) << QStringList();
+        QTest::newRow("offsetIncrement (0, 0)")
+            << "offsetIncrement" << QVariant(QPoint(0, 0)) << QStringList();
         QTest::newRow("centeredOnly, still valid")
             << "centeredOnly" << QVariant(true) << QStringList{"centeredOnlyChanged"};
         QTest::newRow("isSubWindow")
@@ -601,6 +857,7 @@ private slots:
         QTest::newRow("minSize") << "minSize" << QVariant(QSize(2, 2)) << false;
         QTest::newRow("maxSize") << "maxSize" << QVariant(QSize(640, 512)) << false;
         QTest::newRow("increment") << "increment" << QVariant(QPoint(2, 2)) << false;
+        QTest::newRow("offsetIncrement") << "offsetIncrement" << QVariant(QPoint(2, 2)) << false;
     }
     void repaints()
     {

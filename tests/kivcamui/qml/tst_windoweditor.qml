@@ -47,6 +47,7 @@ Item {
         function init() {
             editor.centeredOnly = false
             editor.increment = Qt.point(1, 1)
+            editor.offsetIncrement = undefined
             editor.minSize = Qt.size(1, 1)
             editor.window = Qt.rect(100, 100, 200, 100)
             windowSpy.clear()
@@ -68,6 +69,8 @@ Item {
             compare(fresh.minSize.width, 1)
             compare(fresh.fullSize.width, 320)
             compare(fresh.increment.x, 1)
+            compare(fresh.offsetIncrement.x, 0)
+            compare(fresh.offsetIncrement.y, 0)
             compare(fresh.subWindowPosition.x, 0)
             verify(!fresh.hFlip && !fresh.vFlip && !fresh.tracking && !fresh.centeredOnly && !fresh.isSubWindow)
             verify(fresh.isWindowValid)
@@ -112,6 +115,21 @@ Item {
             drag(200, 200, 200, 203)
             compare(rect(editor.window), [100, 100, 200, 104])
             verify(editor.isWindowValid)
+        }
+
+        function test_dragSnapsTheOffsetToItsIncrement() {
+            editor.increment = Qt.point(16, 16)
+            editor.offsetIncrement = Qt.point(4, 4)
+            editor.window = Qt.rect(100, 100, 208, 96)
+            verify(editor.isWindowValid)
+            // Left 103 snaps to 104 on the offset steps; the width 204 to 208 on the size steps.
+            drag(100, 148, 103, 148)
+            compare(rect(editor.window), [104, 100, 208, 96])
+            verify(editor.isWindowValid)
+            // Unset again, the origin is on neither step of 16.
+            editor.offsetIncrement = undefined
+            compare(editor.offsetIncrement.x, 0)
+            verify(!editor.isWindowValid)
         }
 
         function test_centredModeGrowsBothSides() {
