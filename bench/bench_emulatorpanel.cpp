@@ -60,14 +60,15 @@ struct SStatistics {
     }
 };
 
-// Times every event the panel's model receives: the announcements of finished pictures.
+// Times every queued call that the panel's model and its children (its live picture) receive:
+// the announcements of finished pictures.
 class CTimedApplication : public QGuiApplication {
 public:
     using QGuiApplication::QGuiApplication;
 
     bool notify(QObject* receiver, QEvent* event) override
     {
-        if (receiver != model || event->type() != QEvent::MetaCall)
+        if (event->type() != QEvent::MetaCall || (receiver != model && receiver->parent() != model))
             return QGuiApplication::notify(receiver, event);
         QElapsedTimer timer;
         timer.start();

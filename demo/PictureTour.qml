@@ -7,8 +7,8 @@ import QtQuick
 // the popup (demo.png), the popup with that last camera and the found cameras (popup.png), the
 // "Can't Connect" dialog of a camera that cannot connect (cant-connect.png), the camera finder
 // dialog with a camera's parameters (dialog.png), the cameras page (cameras.png), the sensor
-// window page (editors.png), the devices page (devices.png) and the custom camera dialog with an
-// example camera (custom-camera.png).
+// window page (editors.png), the devices page (devices.png), the custom camera dialog with an
+// example camera (custom-camera.png) and the panel of the emulated GenICam camera (genicam.png).
 QtObject {
     id: tour
 
@@ -75,8 +75,19 @@ QtObject {
         { until: () => true, then: () => customAction.openExample() },
         { until: () => tour.exampleShown, then: () => save("custom-camera.png") },
         { until: () => true, then: () => customAction.dialog.reject() },
-        { until: () => !customAction.dialog.visible, then: () => Qt.quit() },
+        { until: () => !customAction.dialog.visible, then: () => popup.open() },
+        { until: () => popup.opened && popupRow(isGenICam),
+          then: () => { pages.currentIndex = 0; popupRow(isGenICam).clicked() } },
+        { until: () => standalone.connected && panel.status === Loader.Ready
+                       && standalone.cameraModel.live !== undefined
+                       && standalone.cameraModel.live.frameCount > 30,
+          then: () => save("genicam.png") },
+        { until: () => true, then: () => Qt.quit() },
     ]
+
+    function isGenICam(camera) {
+        return camera.name === "Emulated GenICam camera"
+    }
 
     // The dialog's camera: the first that can connect and has the most parameters to show.
     function selectInDialog() {

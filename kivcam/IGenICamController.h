@@ -61,7 +61,8 @@ public:
     // The sensor window as last read.
     virtual SSensorWindow sensorWindow() const = 0;
 
-    // Acquisition runs from connect on; these stop and start it again.
+    // Acquisition runs from connect on; these stop and start it again, and so do the camera's
+    // commands AcquisitionStop and AcquisitionStart through execute(), stream included.
     virtual void startAcquisition(Done done = {}) = 0;
     virtual void stopAcquisition(Done done = {}) = 0;
     virtual bool isAcquiring() const = 0;

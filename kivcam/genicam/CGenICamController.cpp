@@ -215,7 +215,15 @@ void CGenICamController::execute(const CString& name, Done done)
             result.message = strprintf("%s is not a command.", name.data());
             return result;
         }
-        result = m_tree.Write(device, name, CString());
+        // The stream starts and stops with the acquisition, whoever asks for it.
+        if (name == "AcquisitionStart") {
+            result.ok = m_frames->isStreaming() || StartStream(result.message);
+        } else if (name == "AcquisitionStop") {
+            StopStream();
+            result.ok = true;
+        } else {
+            result = m_tree.Write(device, name, CString());
+        }
         m_tree.Refresh(device);
         return result;
     });
@@ -315,23 +323,12 @@ SSensorWindow CGenICamController::sensorWindow() const
 
 void CGenICamController::startAcquisition(Done done)
 {
-    Request(std::move(done), [this](ArvDevice* device) {
-        SGenICamResult result;
-        result.ok = m_frames->isStreaming() || StartStream(result.message);
-        m_tree.Refresh(device);
-        return result;
-    });
+    execute("AcquisitionStart", std::move(done));
 }
 
 void CGenICamController::stopAcquisition(Done done)
 {
-    Request(std::move(done), [this](ArvDevice* device) {
-        StopStream();
-        m_tree.Refresh(device);
-        SGenICamResult result;
-        result.ok = true;
-        return result;
-    });
+    execute("AcquisitionStop", std::move(done));
 }
 
 bool CGenICamController::StartStream(CString& error)

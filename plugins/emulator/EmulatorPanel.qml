@@ -137,6 +137,38 @@ Pane {
                     }
                 }
 
+                // The display range of cameras of more than 8 bits: automatic, or the samples
+                // shown as black and as white. (A Switch and a RangeSlider: the style draws
+                // them without images, which Qt 6.4 leaks.)
+                ColumnLayout {
+                    Layout.topMargin: 12
+                    visible: layout.camera.hasRange
+
+                    Switch {
+                        objectName: "autoRange"
+                        text: qsTr("Automatic range")
+                        checked: layout.camera.autoRange
+                        onToggled: layout.camera.autoRange = checked
+                    }
+                    RangeSlider {
+                        objectName: "range"
+                        Layout.fillWidth: true
+                        enabled: !layout.camera.autoRange
+                        from: 0
+                        to: layout.camera.rangeMaximum
+                        stepSize: 1
+                        first.value: layout.camera.rangeLow
+                        second.value: layout.camera.rangeHigh
+                        first.onMoved: layout.camera.rangeLow = Math.round(first.value)
+                        second.onMoved: layout.camera.rangeHigh = Math.round(second.value)
+                    }
+                    Label {
+                        text: qsTr("Black %1 \u00b7 white %2")
+                              .arg(layout.camera.rangeLow).arg(layout.camera.rangeHigh)
+                        opacity: layout.camera.autoRange ? 0.5 : 1
+                    }
+                }
+
                 Item { Layout.fillHeight: true }
             }
         }

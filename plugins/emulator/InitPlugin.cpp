@@ -2,7 +2,7 @@
 // cameras' panel, and the QML types of that panel: its model and its live picture.
 
 #include "EmulatorControllerModel.h"
-#include "FrameView.h"
+#include <kivcamui/plugin/FrameView.h>
 
 #include <kivcam/IEmulatorController.h>
 #include <kivcamui/plugin/IControllerModelFactory.h>

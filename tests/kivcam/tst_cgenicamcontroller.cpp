@@ -365,6 +365,13 @@ private slots:
         QVERIFY(wait([&](auto done) { controller.stopAcquisition(done); }).ok);
         QVERIFY(!controller.isAcquiring());
         QCOMPARE(frames.stops(), 1);
+        // The commands of the tree do the same.
+        QVERIFY(wait([&](auto done) { controller.execute("AcquisitionStart", done); }).ok);
+        QVERIFY(controller.isAcquiring());
+        QCOMPARE(frames.starts(), 2);
+        QVERIFY(wait([&](auto done) { controller.execute("AcquisitionStop", done); }).ok);
+        QVERIFY(!controller.isAcquiring());
+        QCOMPARE(frames.stops(), 2);
         const int stopped = frames.frames();
         QTest::qWait(300);
         QCOMPARE(frames.frames(), stopped);
@@ -372,7 +379,7 @@ private slots:
         QVERIFY(controller.isAcquiring());
         QTRY_VERIFY_WITH_TIMEOUT(frames.frames() >= stopped + 3, 10000);
         controller.disconnect();
-        QCOMPARE(frames.stops(), 2);
+        QCOMPARE(frames.stops(), 3);
         controller.frameSource()->unsubscribe(&frames);
     }
 

@@ -35,15 +35,17 @@ inline ui::IControllerModelFactory* loadPlugins()
     return factory;
 }
 
-// A camera of the transport "Emu", known by its serial, with its device open, its controller
-// made and the panel's model (a child of parent) asked of the factory; connected on request.
+// A camera of a transport of the test's world ("Emu" unless named), known by its serial, with its
+// device open, its controller made and the panel's model (a child of parent) asked of the factory;
+// connected on request.
 struct SSession {
-    SSession(const char* serial, QObject* parent)
+    SSession(const char* serial, QObject* parent, const char* transportName = "Emu")
     {
         // The test's world (KIVCAM_EMULATOR_WORLD) has the transport; without it nothing works.
-        const TSharedPtr<IInterface> transport = interfaces()->interfaceByName("Emu");
+        const TSharedPtr<IInterface> transport = interfaces()->interfaceByName(transportName);
         if (!transport)
-            qFatal("no transport \"Emu\": run the test with its world (ctest sets it)");
+            qFatal("no transport \"%s\": run the test with its world (ctest sets it)",
+                transportName);
         device = transport->createDevice();
         TArray<SCameraInfo> cameras;
         transport->findCameras(cameras, {});

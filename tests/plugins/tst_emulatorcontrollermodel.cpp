@@ -218,6 +218,45 @@ private slots:
         without.controller->disconnect();
     }
 
+    // The live picture's display range, passed on: with 0 as black and 1 as white, a 14-bit
+    // camera's picture has no grey.
+    void displayRangeIsPassedOn()
+    {
+        QObject owner;
+        const SSession session("T64-1", &owner);
+        QVERIFY(session.connect());
+        QTRY_VERIFY(frameCount(session.model) >= 1);
+        QCOMPARE(read(session.model, "hasRange").toBool(), true);
+        QCOMPARE(read(session.model, "rangeMaximum").toInt(), 16383);
+        QCOMPARE(read(session.model, "autoRange").toBool(), true);
+        QSignalSpy range(session.model, SIGNAL(rangeChanged()));
+        QVERIFY(session.model->setProperty("autoRange", false));
+        QVERIFY(session.model->setProperty("rangeHigh", 1));
+        QVERIFY(session.model->setProperty("rangeLow", 0));
+        QCOMPARE(range.count(), 2);
+        QCOMPARE(read(session.model, "rangeHigh").toInt(), 1);
+        // One picture may wait and one be in the making with the range before.
+        const qint64 count = frameCount(session.model);
+        QTRY_VERIFY(frameCount(session.model) >= count + 3);
+        const QImage image = picture(session.model);
+        int white = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const int grey = qGray(image.pixel(x, y));
+                QVERIFY2(grey == 0 || grey == 255, qPrintable(QString::number(grey)));
+                white += grey == 255 ? 1 : 0;
+            }
+        }
+        QVERIFY(white > 0);
+        session.controller->disconnect();
+
+        const SSession colour("V40-1", &owner);
+        QVERIFY(colour.connect());
+        QTRY_VERIFY(read(colour.model, "connected").toBool());
+        QCOMPARE(read(colour.model, "hasRange").toBool(), false);
+        colour.controller->disconnect();
+    }
+
     void colourCameraIsShownInColour()
     {
         QObject owner;
@@ -356,6 +395,13 @@ private slots:
         QVERIFY(rate->setProperty("value", 40));
         QVERIFY(QMetaObject::invokeMethod(rate, "moved"));
         QCOMPARE(session.controller->frameSource()->frameRate(), 40.0);
+
+        // So does the range switch, shown for this 14-bit camera.
+        auto* autoRange = item->findChild<QObject*>("autoRange");
+        QVERIFY(autoRange && autoRange->property("visible").toBool());
+        QVERIFY(autoRange->setProperty("checked", false));
+        QVERIFY(QMetaObject::invokeMethod(autoRange, "toggled"));
+        QCOMPARE(read(session.model, "autoRange").toBool(), false);
         session.controller->disconnect();
         QTRY_COMPARE(state->property("text").toString(), QString("Not connected"));
         QVERIFY(!nuc->property("visible").toBool());

@@ -4,8 +4,9 @@
 //   qml-types --markdown FILE    the reference of the module kivcamui 1.0 (docs/qml-types.md)
 //   qml-types --check FILE       fails, saying how to regenerate it, when FILE is not that text
 //   qml-types --qmltypes FOLDER  FOLDER/<module>/qmldir and <module>.qmltypes for the modules
-//                                kivcamui 1.0, kivui 1.0 and the sample plugin's
-//                                kivcamuiEmulator 1.0, the type information qmllint needs
+//                                kivcamui 1.0, kivui 1.0 and the controller UI plugins'
+//                                kivcamuiEmulator 1.0 and kivcamuiGenICam 1.0, the type
+//                                information qmllint needs
 //
 // The modules are registered as a host registers them: kivcamuiInitPlugin(), then the controller
 // UI plugins beside the library, loaded by the controller model factory.
@@ -60,6 +61,8 @@ const QList<SModule> modules{
         {"QtQuick", "kivui"}},
     {"kivui", {"DialogButtonBoxHelper"}, {"QtQml"}},
     {"kivcamuiEmulator", {"FrameView", "EmulatorControllerModel"}, {"QtQuick", "kivcamui"}},
+    {"kivcamuiGenICam", {"FrameView", "GenICamControllerModel", "GenICamFeatureModel", "LivePicture"},
+        {"QtQuick", "kivcamui"}},
 };
 
 const QString regenerate = QStringLiteral("cmake --build build --target qml-types && "

@@ -1,14 +1,16 @@
 #pragma once
 
+#include <kivcamui/kivcamui_export.h>
+
 #include <QImage>
 #include <QQuickItem>
 
 namespace kiv::cam::ui {
 
 // A QML item that shows a picture, scaled to fit with its aspect ratio kept and centred: made for
-// live pictures, which it turns into one texture each when it is next drawn. Registered by the
-// plugin as FrameView in kivcamuiEmulator 1.0.
-class FrameView : public QQuickItem {
+// live pictures, which it turns into one texture each when it is next drawn. Each plugin that
+// shows one registers it as FrameView in its own module (the sample: kivcamuiEmulator 1.0).
+class KIVCAMUI_EXPORT FrameView : public QQuickItem {
     Q_OBJECT
     Q_PROPERTY(QImage image READ image WRITE setImage NOTIFY imageChanged)
     // Where the picture lies within the item; empty without a picture.

@@ -1,0 +1,157 @@
+#include "PluginTest.h"
+
+#include <kivcamui/plugin/ControllerModel.h>
+#include <kivcamui/plugin/InitPlugin.h>
+
+#include <QAbstractItemModel>
+#include <QImage>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QRect>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+using namespace plugintest;
+
+namespace {
+
+QVariant read(QObject* object, const char* property)
+{
+    return object->property(property);
+}
+
+QObject* live(QObject* model)
+{
+    return read(model, "live").value<QObject*>();
+}
+
+QSize pictureSize(QObject* model)
+{
+    return read(live(model), "image").value<QImage>().size();
+}
+
+} // namespace
+
+// The GenICam plugin's panel model over the emulated GenICam camera, connected as a host connects
+// it: the camera, its live picture, its sensor window and its stream, and the panel itself.
+class tst_GenICamControllerModel : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        kivcamuiInitPlugin();
+        QVERIFY(loadPlugins());
+    }
+
+    void theFactoryGivesTheGenICamPanel()
+    {
+        QObject owner;
+        SSession session("GC-P1", &owner, "GenICamEmulator");
+        QVERIFY(session.created);
+        QCOMPARE(session.qml, QStringLiteral("qrc:/kivcamuiGenICam/GenICamPanel.qml"));
+        QVERIFY(qobject_cast<ControllerModel*>(session.model));
+        QCOMPARE(QByteArray(session.model->metaObject()->className()),
+            QByteArray("kiv::cam::ui::GenICamControllerModel"));
+        QCOMPARE(session.model->parent(), &owner);
+        QVERIFY(!read(session.model, "connected").toBool());
+    }
+
+    void showsTheConnectedCamera()
+    {
+        QObject owner;
+        SSession session("GC-P1", &owner, "GenICamEmulator");
+        QObject* model = session.model;
+        QSignalSpy connected(model, SIGNAL(connectedChanged()));
+        QVERIFY(session.connect());
+        QTRY_VERIFY(read(model, "connected").toBool());
+        QCOMPARE(connected.count(), 1);
+        QVERIFY2(read(model, "cameraName").toString().contains("Emulated GenICam"),
+            qPrintable(read(model, "cameraName").toString()));
+        QVERIFY(!read(model, "lost").toBool());
+        QVERIFY(read(model, "hasSensorWindow").toBool());
+        QCOMPARE(read(model, "sensorWindow").toRect(), QRect(0, 0, 512, 512));
+        QCOMPARE(read(model, "sensorSize").toSize(), QSize(1024, 768));
+        QCOMPARE(read(model, "minSize").toSize(), QSize(16, 2));
+        QCOMPARE(read(model, "sizeIncrement").toPoint(), QPoint(16, 2));
+        QCOMPARE(read(model, "offsetIncrement").toPoint(), QPoint(4, 2));
+        QTRY_VERIFY(read(model, "acquiring").toBool());
+        QTRY_COMPARE_WITH_TIMEOUT(pictureSize(model), QSize(512, 512), 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(read(model, "completeFrames").toLongLong() > 2, 10000);
+        auto* features = read(model, "features").value<QAbstractItemModel*>();
+        QVERIFY(features);
+        QVERIFY(features->rowCount() > 0);
+        session.controller->disconnect();
+        QTRY_VERIFY(!read(model, "connected").toBool());
+        QCOMPARE(connected.count(), 2);
+    }
+
+    void theSensorWindowGoesToTheCameraAndThePictureFollows()
+    {
+        QObject owner;
+        SSession session("GC-P1", &owner, "GenICamEmulator");
+        QObject* model = session.model;
+        QVERIFY(session.connect());
+        QTRY_VERIFY(read(model, "connected").toBool());
+        QSignalSpy sensor(model, SIGNAL(sensorChanged()));
+        QVERIFY(QMetaObject::invokeMethod(
+            model, "setSensorWindow", Q_ARG(QRect, QRect(101, 51, 333, 257))));
+        // Snapped to the camera's increments: offsets 4 and 2, sizes 16 and 2.
+        QTRY_COMPARE(read(model, "sensorWindow").toRect(), QRect(100, 50, 320, 256));
+        QVERIFY(sensor.count() >= 1);
+        QTRY_COMPARE_WITH_TIMEOUT(pictureSize(model), QSize(320, 256), 10000);
+        QVERIFY(read(model, "requestMessage").toString().isEmpty());
+        QVERIFY(read(model, "acquiring").toBool());
+    }
+
+    void acquisitionStopsAndStartsAgain()
+    {
+        QObject owner;
+        SSession session("GC-P1", &owner, "GenICamEmulator");
+        QObject* model = session.model;
+        QVERIFY(session.connect());
+        QTRY_VERIFY(read(model, "acquiring").toBool());
+        QSignalSpy acquiring(model, SIGNAL(acquiringChanged()));
+        QVERIFY(QMetaObject::invokeMethod(model, "stopAcquisition"));
+        QTRY_VERIFY(!read(model, "acquiring").toBool());
+        QVERIFY(QMetaObject::invokeMethod(model, "startAcquisition"));
+        QTRY_VERIFY(read(model, "acquiring").toBool());
+        QCOMPARE(acquiring.count(), 2);
+    }
+
+    void thePanelLoadsWithItsModel()
+    {
+        QObject owner;
+        SSession session("GC-P1", &owner, "GenICamEmulator");
+        QVERIFY(session.connect());
+        QTRY_VERIFY(read(session.model, "connected").toBool());
+        QQmlEngine engine;
+        QQmlComponent component(&engine, QUrl(session.qml));
+        const std::unique_ptr<QObject> panel(component.createWithInitialProperties(
+            {{QStringLiteral("cameraModel"), QVariant::fromValue(session.model)}}));
+        QVERIFY2(panel, qPrintable(component.errorString()));
+        QTRY_VERIFY(panel->findChild<QQuickItem*>(QStringLiteral("picture")));
+        QVERIFY(panel->findChild<QQuickItem*>(QStringLiteral("sensorWindow")));
+        QVERIFY(panel->findChild<QQuickItem*>(QStringLiteral("visibility")));
+        auto* banner = panel->findChild<QQuickItem*>(QStringLiteral("lostBanner"));
+        QVERIFY(banner);
+        QVERIFY(!banner->isVisible());
+    }
+
+    void goesCleanlyWhileImagesFlow()
+    {
+        QObject owner;
+        SSession session("GC-P1", &owner, "GenICamEmulator");
+        QVERIFY(session.connect());
+        QTRY_VERIFY_WITH_TIMEOUT(pictureSize(session.model).width() > 0, 10000);
+        delete session.model;
+        QTest::qWait(100);
+        session.controller->disconnect();
+    }
+};
+
+QTEST_MAIN(tst_GenICamControllerModel)
+#include "tst_genicamcontrollermodel.moc"
