@@ -20,6 +20,6 @@ public:
     // this and emits hasNucMaskChanged() when its answer changes.
     virtual unsigned char hasNucMask();
 
-signals:
+Q_SIGNALS:
     void hasNucMaskChanged();
 };

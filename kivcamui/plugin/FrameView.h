@@ -23,7 +23,7 @@ public:
     void setImage(const QImage& image);
     QRectF pictureRect() const { return m_pictureRect; }
 
-signals:
+Q_SIGNALS:
     void imageChanged();
     void pictureRectChanged();
 

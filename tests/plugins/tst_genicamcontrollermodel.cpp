@@ -1,5 +1,6 @@
 #include "PluginTest.h"
 
+#include <kivcam/genicam/CAravisDevice.h>
 #include <kivcamui/plugin/ControllerModel.h>
 #include <kivcamui/plugin/InitPlugin.h>
 
@@ -12,6 +13,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <arv.h>
 #include <memory>
 
 using namespace plugintest;
@@ -40,7 +42,7 @@ QSize pictureSize(QObject* model)
 class tst_GenICamControllerModel : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void initTestCase()
     {
         kivcamuiInitPlugin();
@@ -139,6 +141,43 @@ private slots:
         auto* banner = panel->findChild<QQuickItem*>(QStringLiteral("lostBanner"));
         QVERIFY(banner);
         QVERIFY(!banner->isVisible());
+    }
+
+    void aLostCameraIsSaidAtOnce()
+    {
+        QObject owner;
+        SSession session("GC-P1", &owner, "GenICamEmulator");
+        QObject* model = session.model;
+        QVERIFY(session.connect());
+        QTRY_VERIFY_WITH_TIMEOUT(read(model, "completeFrames").toLongLong() > 2, 10000);
+        QQmlEngine engine;
+        QQmlComponent component(&engine, QUrl(session.qml));
+        const std::unique_ptr<QObject> panel(component.createWithInitialProperties(
+            {{QStringLiteral("cameraModel"), QVariant::fromValue(model)}}));
+        QVERIFY2(panel, qPrintable(component.errorString()));
+        QTRY_VERIFY(panel->findChild<QQuickItem*>(QStringLiteral("lostBanner")));
+        auto* banner = panel->findChild<QQuickItem*>(QStringLiteral("lostBanner"));
+        QSignalSpy lost(model, SIGNAL(errorMessageChanged()));
+        // The camera falls silent behind the controller's back, as a camera that dies does: its
+        // next frame is due in 6 s, beyond the 3 s after which a stream counts as dead. The
+        // controller's worker is idle meanwhile, so the test may use the device itself.
+        auto* camera = dynamic_cast<CAravisDevice*>(session.device.get());
+        QVERIFY(camera);
+        constexpr guint32 FramePeriodRegister = 0x138; // microseconds, of Aravis's fake camera
+        QVERIFY(
+            arv_device_write_register(camera->arvDevice(), FramePeriodRegister, 6000000, nullptr));
+        QTRY_VERIFY_WITH_TIMEOUT(read(model, "lost").toBool(), 15000);
+        QCOMPARE(lost.count(), 1);
+        QVERIFY2(read(model, "errorMessage").toString().startsWith("The images of"),
+            qPrintable(read(model, "errorMessage").toString()));
+        QTRY_VERIFY(banner->isVisible());
+        // The host disconnects as usual, and the next connect starts afresh.
+        session.controller->disconnect();
+        session.device->close();
+        QVERIFY(session.device->open(session.camera.comm, true));
+        QVERIFY(session.connect());
+        QTRY_VERIFY(!read(model, "lost").toBool());
+        QTRY_VERIFY(!banner->isVisible());
     }
 
     void goesCleanlyWhileImagesFlow()
