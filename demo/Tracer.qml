@@ -29,9 +29,13 @@ Item {
         host.trace(line)
     }
     function at(item, what) {
-        const corner = item.mapToItem(null, 0, 0)
-        trace(["at", Math.round(corner.x), Math.round(corner.y), Math.round(item.width),
-               Math.round(item.height), what].join(" "))
+        trace(place(item, 0, 0, item.width, item.height, what))
+    }
+    // The "at" line of a box of item, in the item's own coordinates.
+    function place(item, x, y, width, height, what) {
+        const corner = item.mapToItem(null, x, y)
+        return "at " + Math.round(corner.x) + " " + Math.round(corner.y) + " "
+                + Math.round(width) + " " + Math.round(height) + " " + what
     }
     // The rows of a camera list, or null while the list does not have them all yet. The popup
     // lays its rows out in a column, the dialog in a view.
@@ -219,15 +223,125 @@ Item {
                 tracer.trace("panel failed")
         }
     }
-    // The panel's frame counter, where its model has one.
+    // The panel's frame counter, where its model has one, itself or in its live picture.
     Timer {
         interval: 1000
         repeat: true
         running: tracer.standalone.connected && tracer.panel.status === Loader.Ready
         onTriggered: {
             const model = tracer.standalone.cameraModel
-            if (model && model.frameCount !== undefined)
-                tracer.trace("frames " + model.frameCount)
+            const counter = model && model.live ? model.live : model
+            if (counter && counter.frameCount !== undefined)
+                tracer.trace("frames " + counter.frameCount)
+        }
+    }
+
+    // The GenICam panel, when it is the one loaded: its picture's format ("picture 512 x 512,
+    // Mono8, 8 bits"), the camera's sensor window ("sensor 0 0 512 512"), the features shown and
+    // hidden ("features 20 hidden 8"), the value of each feature row on screen ("feature
+    // ExposureTime 10000"), and where its visibility level ("visibility"), its filter ("filter"),
+    // the editors of the rows on screen ("edit ExposureTime") and the bottom right handle of the
+    // sensor window ("sensor corner") are. Each is said again only when it changed.
+    readonly property var genicam: {
+        const model = standalone.cameraModel
+        return model && model.features !== undefined && panel.status === Loader.Ready ? model
+                                                                                     : null
+    }
+    property var said: ({})
+    function sayOnce(key, line) {
+        if (said[key] === line)
+            return
+        said[key] = line
+        trace(line)
+    }
+    onGenicamChanged: {
+        said = {}
+        if (genicam) {
+            tracePicture()
+            traceSensor()
+        }
+    }
+    function tracePicture() {
+        if (genicam.live.imageFormat !== "")
+            sayOnce("picture", "picture " + genicam.live.imageFormat)
+    }
+    function traceSensor() {
+        const sensor = genicam.sensorWindow
+        sayOnce("sensor", "sensor " + [sensor.x, sensor.y, sensor.width, sensor.height].join(" "))
+        genicamTimer.restart()
+    }
+    // The items under item that pass test, in the order they are drawn.
+    function itemsUnder(item, test, found) {
+        // A list property, which Qt 6.4 cannot iterate with for...of.
+        for (let i = 0; i < item.children.length; ++i) {
+            const child = item.children[i]
+            if (test(child))
+                found.push(child)
+            itemsUnder(child, test, found)
+        }
+        return found
+    }
+    function traceGenICamPanel() {
+        if (!genicam)
+            return
+        const item = panel.item
+        sayOnce("features", "features " + genicam.features.featureCount + " hidden "
+                + genicam.features.hiddenCount)
+        for (const name of ["visibility", "filter"]) {
+            const control = host.findChild(item, name)
+            sayOnce("at " + name, place(control, 0, 0, control.width, control.height, name))
+        }
+        // Rows of the tree that are on screen: its delegates that are shown and inside it.
+        const tree = host.findChild(item, "featureTree")
+        const rows = itemsUnder(tree.contentItem, child => child.visible
+                                && child.treeView !== undefined && child.name !== undefined, [])
+        for (const row of rows) {
+            const top = row.mapToItem(tree, 0, 0).y
+            if (top < 0 || top + row.height > tree.height || row.category)
+                continue
+            sayOnce("feature " + row.name, "feature " + row.name + " " + row.value)
+            const edit = host.findChild(row, "edit_" + row.name)
+            if (edit && edit.visible)
+                sayOnce("at edit " + row.name,
+                        place(edit, 0, 0, edit.width, edit.height, "edit " + row.name))
+        }
+        // The handle at the window's bottom right corner, in the editor's scale.
+        const editor = host.findChild(item, "sensorWindow")
+        const sensor = genicam.sensorWindow
+        if (editor.visible && genicam.sensorSize.width > 0) {
+            const x = (sensor.x + sensor.width) * editor.width / genicam.sensorSize.width
+            const y = (sensor.y + sensor.height) * editor.height / genicam.sensorSize.height
+            sayOnce("at sensor corner", place(editor, x - 2, y - 2, 4, 4, "sensor corner"))
+        }
+    }
+    // Rows are laid out after the model changes.
+    Timer {
+        id: genicamTimer
+        interval: 150
+        onTriggered: tracer.traceGenICamPanel()
+    }
+    Connections {
+        target: tracer.genicam ? tracer.genicam.live : null
+        function onCameraChanged() {
+            tracer.tracePicture()
+        }
+    }
+    Connections {
+        target: tracer.genicam
+        function onSensorChanged() {
+            tracer.traceSensor()
+        }
+    }
+    Connections {
+        target: tracer.genicam ? tracer.genicam.features : null
+        function onCountsChanged() {
+            genicamTimer.restart()
+        }
+        function onModelReset() {
+            genicamTimer.restart()
+        }
+        function onDataChanged() {
+            genicamTimer.restart()
         }
     }
 }

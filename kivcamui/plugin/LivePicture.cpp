@@ -4,7 +4,9 @@
 #include <kivcam/IFrameSource.h>
 #include <kivcamui/plugin/Conversions.h>
 
+#include <QGuiApplication>
 #include <QMetaObject>
+#include <QScreen>
 
 #include <algorithm>
 #include <utility>
@@ -48,10 +50,26 @@ QImage pictureOf(const CImage& display)
     return wrapped.convertToFormat(QImage::Format_RGB32);
 }
 
+// The shortest time between two pictures shown, in nanoseconds: a refresh of the primary screen
+// (60 a second without one), less a tenth, so that a camera at the screen's own rate loses
+// nothing to the jitter of its images.
+qint64 refreshSpacing()
+{
+    // A QCoreApplication (a program without a GUI) has no screens.
+    const QScreen* screen = qobject_cast<QGuiApplication*>(QCoreApplication::instance())
+        ? QGuiApplication::primaryScreen()
+        : nullptr;
+    const double rate = screen && screen->refreshRate() > 0 ? screen->refreshRate() : 60;
+    return static_cast<qint64>(0.9e9 / rate);
+}
+
 } // namespace
 
 LivePicture::LivePicture(IFrameSource* source, QObject* parent) : QObject(parent), m_source(source)
 {
+    m_paceTimer.setSingleShot(true);
+    m_paceTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_paceTimer, &QTimer::timeout, this, &LivePicture::showPicture);
     m_measureTimer.start();
     m_source->subscribe(this);
 }
@@ -202,6 +220,16 @@ void LivePicture::showStarted(const SCameraInfo& camera, std::uint64_t stream)
 
 void LivePicture::showPicture()
 {
+    // A picture that comes sooner than a refresh after the last one shown waits for the next,
+    // still announced: a newer one replaces it meanwhile, and is counted as dropped when shown.
+    if (m_lastShown.isValid()) {
+        const qint64 wait = refreshSpacing() - m_lastShown.nsecsElapsed();
+        if (wait > 0) {
+            if (!m_paceTimer.isActive())
+                m_paceTimer.start(static_cast<int>((wait + 999999) / 1000000));
+            return;
+        }
+    }
     m_pictureAnnounced = false;
     QImage picture;
     std::uint64_t number = 0;
@@ -224,6 +252,7 @@ void LivePicture::showPicture()
         m_droppedFrames += static_cast<qint64>(number - expected);
     m_lastNumber = number;
     m_image = std::move(picture);
+    m_lastShown.start();
     ++m_frameCount;
     Q_EMIT imageChanged();
     measure();

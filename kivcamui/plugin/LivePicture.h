@@ -10,6 +10,7 @@
 #include <QImage>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 #include <atomic>
 #include <cstdint>
@@ -30,8 +31,9 @@ namespace kiv::cam::ui {
 // camera's reduction filter, or, for a camera of more than 8 bits a sample with the automatic
 // range off, by mapping rangeLow..rangeHigh to black..white. The GUI thread only swaps in the
 // finished picture, at most one at a time: a newer picture replaces one the GUI has not taken
-// yet, and droppedFrames counts it. The picture leaves the stream in its destructor, and from
-// then on no image reaches it.
+// yet, and droppedFrames counts it. It takes no more pictures than the primary screen shows (at
+// most one per refresh, 60 a second without a screen). The picture leaves the stream in its
+// destructor, and from then on no image reaches it.
 class KIVCAMUI_EXPORT LivePicture : public QObject, private IFrameListener {
     Q_OBJECT
     // The newest picture shown; it stays when the stream stops.
@@ -146,6 +148,9 @@ private:
     double m_measuredFrameRate = 0;
     QElapsedTimer m_measureTimer;
     int m_measuredFrames = 0;
+    // No more pictures than the screen shows (see showPicture).
+    QElapsedTimer m_lastShown;
+    QTimer m_paceTimer{this};
 };
 
 } // namespace kiv::cam::ui

@@ -16,10 +16,11 @@ TreeView {
     boundsBehavior: Flickable.StopAtBounds
     ScrollBar.vertical: ScrollBar {}
 
-    // Every category open, each time the camera's tree arrives.
+    // Every category open, each time the tree is given anew (a camera's tree, a change of the
+    // filters). Once the view has taken the reset in: before, it would close them again.
     Connections {
         target: tree.features
-        function onModelReset() { tree.expandRecursively() }
+        function onModelReset() { Qt.callLater(tree.expandRecursively) }
     }
     Component.onCompleted: expandRecursively()
 

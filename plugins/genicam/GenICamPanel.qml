@@ -219,6 +219,7 @@ Pane {
                     }
 
                     FeatureTree {
+                        objectName: "featureTree"
                         Layout.fillWidth: true
                         Layout.fillHeight: true
                         features: layout.features

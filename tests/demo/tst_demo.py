@@ -8,8 +8,9 @@ live panel counts frames, the popup then shows it as the last camera, a camera t
 connect gets the "Can't Connect" dialog, Disconnect disconnects, a failed connect is reported,
 a second run remembers the last camera and connects it from there, then connects a camera
 chosen in the "Find cameras..." dialog, and a third assembles a camera by hand in the custom
-camera dialog and connects it. Screenshots of each step are saved in the output folder for a
-person to look at.
+camera dialog and connects it, and a fourth connects the GenICam camera, switches its feature
+tree to Expert, enters an exposure time and drags the sensor window smaller, and sees the picture
+shrink with it. Screenshots of each step are saved in the output folder for a person to look at.
 
     tst_demo.py --demo BINARY --world WORLD.xml --out FOLDER
 
@@ -135,6 +136,20 @@ class Demo:
         x, y = self.places[what]
         xdotool(self.env, "mousemove", "--window", self.window, str(x), str(y), "click", "1")
 
+    def drag(self, what, dx, dy):
+        """Presses the mouse on what, moves it by dx, dy in steps, and releases it."""
+        if what not in self.places:
+            raise Failure(f"the demo has not said where {what!r} is")
+        x, y = self.places[what]
+        xdotool(self.env, "mousemove", "--window", self.window, str(x), str(y), "mousedown", "1")
+        steps = 8
+        for step in range(1, steps + 1):
+            time.sleep(0.05)
+            xdotool(self.env, "mousemove", "--window", self.window, str(x + dx * step // steps),
+                    str(y + dy * step // steps))
+        time.sleep(0.05)
+        xdotool(self.env, "mouseup", "1")
+
     def key(self, keys):
         xdotool(self.env, "key", keys)
 
@@ -171,7 +186,7 @@ def first_run(demo, shot):
     # Nothing found yet and no last camera: opening the popup scans, once.
     demo.click("camera button")
     demo.expect_all("popup opened", "scanning")
-    demo.expect("cameras 3")
+    demo.expect("cameras 4")
     demo.expect_without(r"at .* row Bench camera", lambda line: " last " in line,
                         "a first run shows a last camera")
     demo.expect(r"at .* row Broken camera")
@@ -247,7 +262,7 @@ def second_run(demo, shot):
     # the one connected is disconnected.
     demo.click("find cameras")
     demo.expect_all("dialog opened", "scanning")
-    demo.expect("cameras 3")
+    demo.expect("cameras 4")
     demo.expect(r"at .* dialog connect")
     demo.click("dialog row Bench camera")
     shot("9-dialog")
@@ -288,6 +303,67 @@ def third_run(demo, shot):
     shot("12-custom-not-connected")
 
 
+def fourth_run(demo, shot):
+    demo.expect("ready")
+    demo.find_window()
+
+    # The GenICam camera, chosen in "Find cameras...": its panel with a live picture and the
+    # camera's feature tree.
+    demo.click("find cameras")
+    demo.expect_all("dialog opened", "scanning")
+    demo.expect("cameras 4")
+    demo.expect(r"at .* dialog connect")
+    demo.click("dialog row GenICam camera")
+    demo.click("dialog connect")
+    demo.expect_all("dialog accepted GenICam camera", "connecting GenICam camera")
+    demo.expect("connected Emulated GenICam camera")
+    demo.expect("panel loaded")
+    lines = demo.expect_all(r"picture \d+ x \d+, .*", r"sensor \d+ \d+ \d+ \d+",
+                            r"features [1-9]\d* hidden \d+", r"at .* visibility", r"at .* filter",
+                            r"at .* sensor corner", r"frames [1-9]\d*")
+    first_picture = next(line for line in lines if line.startswith("picture"))
+    beginner = next(line for line in lines if line.startswith("features"))
+    shown, hidden = (int(n) for n in beginner.split()[1::2])
+    shot("13-genicam")
+
+    # Expert: the features of that level come into the tree.
+    demo.click("visibility")
+    time.sleep(0.5)
+    demo.key("Down")
+    demo.key("Return")
+    expert = demo.expect(r"features (\d+) hidden (\d+)")[0]
+    if not (int(expert.group(1)) > shown and int(expert.group(2)) < hidden):
+        raise Failure(f"Expert shows {expert.group(0)!r}, after Beginner's {beginner!r}")
+
+    # The exposure, found with the filter and entered in its row: the camera takes it.
+    demo.click("filter")
+    demo.type("ExposureTime")
+    demo.expect(r"features 1 hidden 0")
+    demo.expect(r"at .* edit ExposureTime")
+    demo.click("edit ExposureTime")
+    demo.key("ctrl+a")
+    demo.type("25000")
+    demo.key("Return")
+    demo.expect(r"feature ExposureTime 25000")
+    shot("14-genicam-exposure")
+
+    # The sensor window's corner dragged up and left: the camera takes the smaller window, and
+    # the picture shrinks with it.
+    width, height = (int(n) for n in re.findall(r"\d+", first_picture)[:2])
+    demo.drag("sensor corner", -40, -40)
+    # The window and the picture are said as each comes, in either order.
+    sensor = picture = None
+    while not (picture and sensor and sensor[2:] == picture):
+        line = demo.expect(r"(sensor|picture) .*")[0].group(0)
+        numbers = [int(n) for n in re.findall(r"\d+", line)]
+        if line.startswith("sensor"):
+            sensor = numbers
+        elif numbers[0] < width and numbers[1] < height:
+            picture = numbers[:2]
+    demo.expect(r"frames [1-9]\d*")
+    shot("15-genicam-window")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--demo", required=True)
@@ -312,7 +388,6 @@ def main():
         "QT_QPA_PLATFORM": "xcb",
         "QT_QUICK_BACKEND": "software",
         "KIVCAM_EMULATOR_WORLD": options.world,
-        "KIVCAMUI_WHITELIST": "libkivcamuiEmulator.so",
         # Never the user's folders: the last camera is kept under XDG_DATA_HOME.
         "HOME": home,
         "XDG_DATA_HOME": os.path.join(home, "data"),
@@ -325,7 +400,7 @@ def main():
 
     status = 0
     try:
-        for run, steps in ((1, first_run), (2, second_run), (3, third_run)):
+        for run, steps in ((1, first_run), (2, second_run), (3, third_run), (4, fourth_run)):
             demo = Demo(options.demo, env, options.out, run)
 
             def shot(name):

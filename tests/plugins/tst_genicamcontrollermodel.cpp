@@ -9,6 +9,7 @@
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
+#include <QQuickWindow>
 #include <QRect>
 #include <QSignalSpy>
 #include <QTest>
@@ -33,6 +34,30 @@ QObject* live(QObject* model)
 QSize pictureSize(QObject* model)
 {
     return read(live(model), "image").value<QImage>().size();
+}
+
+// The session's panel, made as a host makes it; null, with the component's errors in error, when
+// it cannot be made.
+std::unique_ptr<QObject> makePanel(QQmlEngine& engine, const SSession& session, QString& error)
+{
+    QQmlComponent component(&engine, QUrl(session.qml));
+    std::unique_ptr<QObject> panel(component.createWithInitialProperties(
+        {{QStringLiteral("cameraModel"), QVariant::fromValue(session.model)}}));
+    error = component.errorString();
+    return panel;
+}
+
+// The item of that name under root that is shown, searched through the items themselves: a
+// view's delegates are not the QObject children of anything in the panel.
+QQuickItem* shownItem(QQuickItem* root, const QString& name)
+{
+    for (QQuickItem* child : root->childItems()) {
+        if (child->objectName() == name && child->isVisible())
+            return child;
+        if (QQuickItem* found = shownItem(child, name))
+            return found;
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -131,16 +156,44 @@ private Q_SLOTS:
         QVERIFY(session.connect());
         QTRY_VERIFY(read(session.model, "connected").toBool());
         QQmlEngine engine;
-        QQmlComponent component(&engine, QUrl(session.qml));
-        const std::unique_ptr<QObject> panel(component.createWithInitialProperties(
-            {{QStringLiteral("cameraModel"), QVariant::fromValue(session.model)}}));
-        QVERIFY2(panel, qPrintable(component.errorString()));
+        QString error;
+        const std::unique_ptr<QObject> panel = makePanel(engine, session, error);
+        QVERIFY2(panel, qPrintable(error));
         QTRY_VERIFY(panel->findChild<QQuickItem*>(QStringLiteral("picture")));
         QVERIFY(panel->findChild<QQuickItem*>(QStringLiteral("sensorWindow")));
         QVERIFY(panel->findChild<QQuickItem*>(QStringLiteral("visibility")));
         auto* banner = panel->findChild<QQuickItem*>(QStringLiteral("lostBanner"));
         QVERIFY(banner);
         QVERIFY(!banner->isVisible());
+    }
+
+    void theTreeStaysOpenWhenTheFiltersChange()
+    {
+        QObject owner;
+        SSession session("GC-P1", &owner, "GenICamEmulator");
+        QVERIFY(session.connect());
+        QTRY_VERIFY(read(session.model, "connected").toBool());
+        QQmlEngine engine;
+        QQuickWindow window;
+        window.resize(1000, 700);
+        QString error;
+        const std::unique_ptr<QObject> object = makePanel(engine, session, error);
+        auto* panel = qobject_cast<QQuickItem*>(object.get());
+        QVERIFY2(panel, qPrintable(error));
+        panel->setParentItem(window.contentItem());
+        panel->setSize(window.size());
+        window.show();
+        QTRY_VERIFY(shownItem(panel, QStringLiteral("edit_ExposureTime")));
+        auto* features = read(session.model, "features").value<QObject*>();
+        // Each change of the filters gives the tree anew: its categories open again.
+        features->setProperty("filterText", QStringLiteral("Exposure"));
+        QCOMPARE(read(features, "featureCount").toInt(), 1);
+        // The view lays itself out again on its next frame.
+        QTRY_VERIFY(!shownItem(panel, QStringLiteral("edit_OffsetX")));
+        QTRY_VERIFY(shownItem(panel, QStringLiteral("edit_ExposureTime")));
+        features->setProperty("filterText", QString());
+        features->setProperty("visibility", 1);
+        QTRY_VERIFY(shownItem(panel, QStringLiteral("edit_OffsetX")));
     }
 
     void aLostCameraIsSaidAtOnce()
@@ -151,10 +204,9 @@ private Q_SLOTS:
         QVERIFY(session.connect());
         QTRY_VERIFY_WITH_TIMEOUT(read(model, "completeFrames").toLongLong() > 2, 10000);
         QQmlEngine engine;
-        QQmlComponent component(&engine, QUrl(session.qml));
-        const std::unique_ptr<QObject> panel(component.createWithInitialProperties(
-            {{QStringLiteral("cameraModel"), QVariant::fromValue(model)}}));
-        QVERIFY2(panel, qPrintable(component.errorString()));
+        QString error;
+        const std::unique_ptr<QObject> panel = makePanel(engine, session, error);
+        QVERIFY2(panel, qPrintable(error));
         QTRY_VERIFY(panel->findChild<QQuickItem*>(QStringLiteral("lostBanner")));
         auto* banner = panel->findChild<QQuickItem*>(QStringLiteral("lostBanner"));
         QSignalSpy lost(model, SIGNAL(errorMessageChanged()));
