@@ -14,6 +14,12 @@ install(FILES ${CMAKE_BINARY_DIR}/cmake/kivcamuiConfig.cmake
     ${CMAKE_BINARY_DIR}/cmake/kivcamuiConfigVersion.cmake
     DESTINATION ${config_dir})
 
+# The udev rule that lets the local user open USB3 Vision cameras, where udev reads the rules of
+# packages (under /usr, not the library folder). An install elsewhere does not reach udev: the
+# README says what to do then.
+install(FILES ${PROJECT_SOURCE_DIR}/data/udev/70-kivcamui-usb3-vision.rules
+    DESTINATION lib/udev/rules.d)
+
 # As in the source tree, so that the README's links hold.
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -4,8 +4,8 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 
-// The toolbar's status area: which camera is connecting, connected or disconnecting, or which
-// one failed to connect.
+// The toolbar's status area: which camera is connecting, connected or disconnecting, which one
+// failed to connect or was lost, and why; a lost camera that is there again can be reconnected.
 RowLayout {
     id: status
 
@@ -14,6 +14,13 @@ RowLayout {
     property string cameraName: ""
     // The last connect ended without a connection.
     property bool failed: false
+    // The camera was lost while connected.
+    property bool lost: false
+    // The lost camera is among the cameras found again.
+    property bool canReconnect: false
+    readonly property alias reconnectButton: reconnect
+
+    signal reconnectRequested()
 
     readonly property string typeName: standalone.controllerIndex >= 0
                                        ? standalone.controllerDisplayNames[standalone.controllerIndex]
@@ -21,8 +28,12 @@ RowLayout {
     readonly property string phase: standalone.disconnecting ? "disconnecting"
                                     : standalone.connecting ? "connecting"
                                     : standalone.connected ? "connected"
+                                    : lost ? "lost"
                                     : failed ? "failed"
                                     : "idle"
+    // Why, in the model's words.
+    readonly property string reason: standalone.errorMessage !== ""
+                                     ? ": " + standalone.errorMessage : ""
 
     spacing: 8
 
@@ -32,7 +43,7 @@ RowLayout {
         implicitHeight: 10
         radius: 5
         color: ({ connecting: "#E0A030", disconnecting: "#E0A030", connected: "#5FCB6A",
-                  failed: "#FF6B5E", idle: "#6C6C78" })[status.phase]
+                  failed: "#FF6B5E", lost: "#FF6B5E", idle: "#6C6C78" })[status.phase]
 
         SequentialAnimation on opacity {
             running: status.phase === "connecting" || status.phase === "disconnecting"
@@ -46,14 +57,26 @@ RowLayout {
         Layout.fillWidth: true
         elide: Text.ElideRight
         textFormat: Text.PlainText
-        color: status.phase === "failed" ? "#FF6B5E" : "#E8E8EE"
+        color: status.phase === "failed" || status.phase === "lost" ? "#FF6B5E" : "#E8E8EE"
         text: ({
             idle: "No camera connected",
             connecting: "Connecting " + status.cameraName + "...",
             connected: status.cameraName
                        + (status.typeName !== "" ? "  \u00b7  " + status.typeName : ""),
             disconnecting: "Disconnecting " + status.cameraName + "...",
-            failed: "Could not connect " + status.cameraName,
+            failed: "Could not connect " + status.cameraName + status.reason,
+            lost: "Lost " + status.cameraName + status.reason,
         })[status.phase]
+        ToolTip.visible: hover.hovered && truncated
+        ToolTip.text: text
+
+        HoverHandler { id: hover }
+    }
+    Button {
+        id: reconnect
+        objectName: "reconnect"
+        visible: status.phase === "lost" && status.canReconnect
+        text: "Reconnect"
+        onClicked: status.reconnectRequested()
     }
 }

@@ -5,7 +5,7 @@ import QtQuick.Controls
 
 // The connected camera's controller panel, as its controller UI plugin supplies it: the host
 // loads StandaloneModel's controllerQml and gives the loaded item the model's cameraModel. Without
-// a connected camera, a word on how to get one.
+// a connected camera, why the last connect failed or the camera was lost, and how to get one.
 Rectangle {
     id: page
 
@@ -52,6 +52,18 @@ Rectangle {
                   : page.standalone.connected ? "No controller panel for "
                                                 + page.standalone.controllerName
                   : "No camera connected"
+        }
+        // Why the last connect failed or the camera was lost, in full.
+        Label {
+            objectName: "reason"
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: Math.min(implicitWidth, page.width - 40)
+            visible: !page.standalone.connecting && !page.standalone.connected
+                     && page.standalone.errorMessage !== ""
+            wrapMode: Text.Wrap
+            horizontalAlignment: Text.AlignHCenter
+            color: "#FF6B5E"
+            text: page.standalone.errorMessage
         }
         Label {
             anchors.horizontalCenter: parent.horizontalCenter

@@ -43,8 +43,10 @@ ApplicationWindow {
 
     StandaloneModel {
         id: standaloneModel
-        // Set as the model is made, before any page can start a search.
+        // Set as the model is made, before any page can start a search. The finder follows
+        // cameras that are plugged in and out.
         cameraFinder.enableEmulators: true
+        cameraFinder.watchDevices: true
     }
     readonly property CameraFinderModel finder: standaloneModel.cameraFinder
 
@@ -52,6 +54,21 @@ ApplicationWindow {
     // failed: a failed connect only ends with connected still false.
     property string cameraName: ""
     property bool connectFailed: false
+    // The camera connected last, known by its type and serial, and whether it was lost.
+    property string cameraType: ""
+    property string cameraSerial: ""
+    property bool cameraLost: false
+    // The lost camera, when a search finds it again; null otherwise.
+    readonly property var returnedCamera: {
+        if (!cameraLost || finder.scanning)
+            return null
+        for (let i = 0; i < finder.cameras.size; ++i) {
+            const camera = finder.cameras.at(i)
+            if (camera.name === cameraType && camera.serial === cameraSerial)
+                return camera
+        }
+        return null
+    }
 
     function nameOf(camera) {
         return camera.identity !== "" ? camera.identity : camera.displayName + " " + camera.serial
@@ -60,7 +77,10 @@ ApplicationWindow {
         if (!camera || standaloneModel.connecting || standaloneModel.disconnecting)
             return
         cameraName = nameOf(camera)
+        cameraType = camera.name
+        cameraSerial = camera.serial
         connectFailed = false
+        cameraLost = false
         standaloneModel.connect(camera)
     }
     Connections {
@@ -68,6 +88,15 @@ ApplicationWindow {
         function onConnectingChanged() {
             if (!standaloneModel.connecting && !standaloneModel.connected)
                 window.connectFailed = true
+        }
+        // A reason while connected is a loss; a search then shows whether the camera is back.
+        function onErrorMessageChanged() {
+            if (standaloneModel.connected && standaloneModel.errorMessage !== "")
+                window.cameraLost = true
+        }
+        function onConnectedChanged() {
+            if (!standaloneModel.connected && window.cameraLost && !window.finder.scanning)
+                window.finder.scan()
         }
     }
 
@@ -111,11 +140,15 @@ ApplicationWindow {
             }
             ToolSeparator {}
             ConnectionStatus {
+                id: connectionStatus
                 Layout.fillWidth: true
                 Layout.leftMargin: 4
                 standalone: standaloneModel
                 cameraName: window.cameraName
                 failed: window.connectFailed
+                lost: window.cameraLost
+                canReconnect: window.returnedCamera !== null
+                onReconnectRequested: window.connectCamera(window.returnedCamera)
             }
             TabBar {
                 id: pageBar
@@ -187,6 +220,7 @@ ApplicationWindow {
             dialog: finderDialog
             customDialog: customCameraAction.dialog
             panel: livePage.panel
+            reconnect: connectionStatus.reconnectButton
             controls: ({ "camera button": cameraButton, "find cameras": findAction,
                          "custom camera": customCameraAction, "disconnect": disconnectAction })
             cameraName: window.cameraName

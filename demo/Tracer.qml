@@ -6,8 +6,8 @@ import QtQuick.Controls
 // With --trace: reports on standard output, one line per event, what the host and the library's
 // components do ("scanning", "cameras 3", "popup opened", "connecting Bench camera",
 // "connected Thermal64", "frames 120", "cant-connect <message>", "custom accepted <identity>",
-// "disconnected", ...), and where the things to click are: "at <x> <y> <width> <height> <what>",
-// in window coordinates.
+// "error <why a connect failed or a camera was lost>", "disconnected", ...), and where the things
+// to click are: "at <x> <y> <width> <height> <what>", in window coordinates.
 Item {
     id: tracer
 
@@ -18,6 +18,8 @@ Item {
     // The custom camera dialog; null until it is made.
     required property var customDialog
     required property var panel
+    // The status's Reconnect button, shown when a lost camera is found again.
+    required property var reconnect
     // The toolbar's controls by name.
     required property var controls
     required property string cameraName
@@ -212,6 +214,22 @@ Item {
             if (tracer.standalone.disconnecting)
                 tracer.trace("disconnecting")
         }
+        function onErrorMessageChanged() {
+            tracer.trace("error " + tracer.standalone.errorMessage)
+        }
+    }
+    Connections {
+        target: tracer.reconnect
+        function onVisibleChanged() {
+            if (tracer.reconnect.visible)
+                reconnectTimer.restart()
+        }
+    }
+    // Laid out after it shows.
+    Timer {
+        id: reconnectTimer
+        interval: 100
+        onTriggered: tracer.at(tracer.reconnect, "reconnect")
     }
 
     Connections {

@@ -9,4 +9,9 @@ IFrameSource* IController::frameSource()
     return nullptr;
 }
 
+CString IController::errorMessage() const
+{
+    return {};
+}
+
 } // namespace kiv::cam

@@ -2,6 +2,7 @@
 
 #include <kiv/CString.h>
 #include <kiv/TSharedPtr.h>
+#include <kivcam/CLostReport.h>
 #include <kivcam/IDevice.h>
 #include <kivcam/IFrameSource.h>
 #include <kivcam/SCameraInfo.h>
@@ -9,8 +10,11 @@
 
 namespace kiv::cam {
 
-// Operates one camera through an open device. Made by CControllerFactory::createController.
-class KIVCAM_EXPORT IController {
+// Operates one camera through an open device. Made by CControllerFactory::createController. Its
+// lost handler (CLostReport) hears, once, when the connected camera is lost (its device went
+// away, control was taken, its pictures stopped); the controller stays connected until
+// disconnect().
+class KIVCAM_EXPORT IController : public CLostReport {
 public:
     virtual ~IController();
 
@@ -24,6 +28,9 @@ public:
     // The images of the connected camera; null (as here) for a controller that delivers none.
     // disconnect() stops them before it returns.
     virtual IFrameSource* frameSource();
+    // Why the last connect failed, or why the connected camera was lost, in full, for people;
+    // empty (as here) when there is nothing to say.
+    virtual CString errorMessage() const;
 };
 
 } // namespace kiv::cam

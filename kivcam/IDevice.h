@@ -1,12 +1,15 @@
 #pragma once
 
+#include <kivcam/CLostReport.h>
 #include <kivcam/SDeviceInfo.h>
 #include <kivcam/kivcam_export.h>
 
 namespace kiv::cam {
 
-// An open connection to one transport device, made by IInterface::createDevice.
-class KIVCAM_EXPORT IDevice {
+// An open connection to one transport device, made by IInterface::createDevice. Its lost
+// handler (CLostReport) hears when the open device goes away (unplugged, its port hung up, its
+// peer silent); a device that cannot tell never calls it.
+class KIVCAM_EXPORT IDevice : public CLostReport {
 public:
     virtual ~IDevice();
 

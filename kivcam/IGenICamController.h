@@ -70,7 +70,6 @@ public:
     // Whether the controller still holds the camera; false once it was lost (see
     // IGenICamListener::connectionLost), with errorMessage() saying why.
     virtual bool hasControl() const = 0;
-    virtual CString errorMessage() const = 0;
 
     // Listeners come and go from any thread; once unsubscribe has returned no call of the
     // listener is running or will be made (but the caller's own, when called from within it).

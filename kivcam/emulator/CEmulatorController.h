@@ -7,27 +7,44 @@
 #include <kivcam/emulator/CEmulatorWorld.h>
 
 #include <atomic>
+#include <mutex>
+#include <thread>
 
 namespace kiv::cam {
 
 // A controller of the emulator's world; its faults, and its cameras', come from the world. While
-// connected it streams the camera's images through its frame source.
+// connected it streams the camera's images through its frame source. The camera is lost when
+// its device reports itself gone, or, for a camera of the world with lostAfter, that long after
+// the connect: its pictures stop and the lost handler hears why.
 class CEmulatorController : public IEmulatorController {
 public:
     CEmulatorController(
         CEmulatorWorld::SController settings, TSharedPtr<const CEmulatorWorld> world);
+    ~CEmulatorController() override;
 
     bool connect(TSharedPtr<IDevice> device, SCameraInfo camera) override;
     void disconnect() override;
     bool isConnected() const override;
     CString name() const override;
     IFrameSource* frameSource() override;
+    CString errorMessage() const override;
     bool runNuc() override;
 
 private:
+    // The camera is gone: its pictures stop, once, and the lost handler hears it.
+    void Lose(const CString& reason);
+    void SetError(CString message);
+
     const CEmulatorWorld::SController m_settings;
     const TSharedPtr<const CEmulatorWorld> m_world;
     std::atomic<bool> m_connected{false};
+    std::atomic<bool> m_lost{false};
+    // The device of the connection, whose losses are the camera's.
+    TSharedPtr<IDevice> m_device;
+    // Waits out a camera's lostAfter; stopped by disconnect.
+    std::jthread m_silence;
+    mutable std::mutex m_mutex;
+    CString m_error;
     CEmulatorFrameSource m_frames;
 };
 

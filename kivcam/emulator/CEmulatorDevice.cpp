@@ -1,5 +1,7 @@
 #include "CEmulatorDevice.h"
 
+#include <kiv/strprintf.h>
+
 #include <utility>
 
 namespace kiv::cam {
@@ -13,14 +15,34 @@ CEmulatorDevice::CEmulatorDevice(
 bool CEmulatorDevice::open(SDeviceInfo info, bool)
 {
     std::lock_guard lock(m_mutex);
-    if (m_open || info.interfaceName != m_interfaceName)
-        return false;
-    const SEmulatedDevice* device = FindEmulatedDevice(*m_devices, info.deviceName);
-    if (!device || device->openFails || !device->info.canConnect)
+    m_error = Refusal(info);
+    if (!m_error.empty())
         return false;
     m_info = std::move(info);
     m_open = true;
     return true;
+}
+
+CString CEmulatorDevice::Refusal(const SDeviceInfo& info) const
+{
+    if (m_open)
+        return "The device is open already.";
+    if (info.interfaceName != m_interfaceName)
+        return strprintf("The device \"%s\" is a device of \"%s\", not of \"%s\".",
+            info.deviceName.data(), info.interfaceName.data(), m_interfaceName.data());
+    const SEmulatedDevice* device = FindEmulatedDevice(*m_devices, info.deviceName);
+    if (!device)
+        return strprintf("There is no device \"%s\" on \"%s\" now.", info.deviceName.data(),
+            m_interfaceName.data());
+    if (!device->info.canConnect)
+        return !device->info.errorMessage.empty()
+            ? device->info.errorMessage
+            : strprintf("The device \"%s\" on \"%s\" cannot be used.", info.deviceName.data(),
+                m_interfaceName.data());
+    if (device->openFails)
+        return strprintf("The device \"%s\" on \"%s\" did not open.", info.deviceName.data(),
+            m_interfaceName.data());
+    return {};
 }
 
 void CEmulatorDevice::close()
@@ -38,6 +60,12 @@ bool CEmulatorDevice::isOpen() const
 const SDeviceInfo& CEmulatorDevice::info() const
 {
     return m_info;
+}
+
+CString CEmulatorDevice::errorMessage() const
+{
+    std::lock_guard lock(m_mutex);
+    return m_error;
 }
 
 } // namespace kiv::cam

@@ -77,13 +77,14 @@ const SEmulatedDevice* CEmulatorInterface::device(const CString& deviceName) con
     return position < 0 ? nullptr : &(*m_devices)[position];
 }
 
-bool CEmulatorInterface::cameraConnectFails(const CString& deviceName, const CString& serial) const
+const SEmulatedCamera* CEmulatorInterface::camera(
+    const CString& deviceName, const CString& serial) const
 {
     for (const SEmulatedCamera& camera : m_cameras) {
         if (camera.info.comm.deviceName == deviceName && camera.info.serial == serial)
-            return camera.connectFails;
+            return &camera;
     }
-    return false;
+    return nullptr;
 }
 
 bool CEmulatorInterface::scan(const std::stop_token& stop) const

@@ -19,6 +19,7 @@ struct SEmulatedDevice {
 struct SEmulatedCamera {
     SCameraInfo info;
     bool connectFails = false;
+    int lostAfter = 0; // milliseconds connected before the camera falls silent; 0: never
 };
 
 // The device of that name among devices; null when there is none.
@@ -47,8 +48,8 @@ public:
 
     const TArray<SEmulatedDevice>& devices() const { return *m_devices; }
     const SEmulatedDevice* device(const CString& deviceName) const;
-    // Whether the world marks the camera of that serial on that device as failing to connect.
-    bool cameraConnectFails(const CString& deviceName, const CString& serial) const;
+    // The camera of that serial on that device, with its faults; null when there is none.
+    const SEmulatedCamera* camera(const CString& deviceName, const CString& serial) const;
 
     int scanDelay = 0; // milliseconds each scan takes, unless it is stopped
     bool scanFails = false;

@@ -280,6 +280,7 @@ private:
         SEmulatedCamera camera;
         camera.info = type->defaultInfo;
         if (!readCamera(node, camera.info) || !readFlag(node, "connectFails", camera.connectFails)
+            || !readDelay(node, "lostAfter", camera.lostAfter)
             || !findVideo(node, camera.info.video))
             return false;
         camera.info.name = type->name;
@@ -380,10 +381,10 @@ TSharedPtr<CEmulatorInterface> CEmulatorWorld::interfaceByName(const CString& na
     return transport ? *transport : TSharedPtr<CEmulatorInterface>();
 }
 
-bool CEmulatorWorld::cameraConnectFails(const SCameraInfo& camera) const
+const SEmulatedCamera* CEmulatorWorld::emulatedCamera(const SCameraInfo& camera) const
 {
     const TSharedPtr<CEmulatorInterface> transport = interfaceByName(camera.comm.interfaceName);
-    return transport && transport->cameraConnectFails(camera.comm.deviceName, camera.serial);
+    return transport ? transport->camera(camera.comm.deviceName, camera.serial) : nullptr;
 }
 
 } // namespace kiv::cam

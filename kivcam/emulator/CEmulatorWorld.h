@@ -64,9 +64,9 @@ public:
     TSharedPtr<ICamera> cameraType(const CString& name) const;
     const SController* controller(const CString& name) const;
     TSharedPtr<CEmulatorInterface> interfaceByName(const CString& name) const;
-    // Whether the world marks the camera, known by its control device and serial, as failing
-    // to connect.
-    bool cameraConnectFails(const SCameraInfo& camera) const;
+    // The world's camera, known by its control device and serial, with its faults; null when
+    // the world has none such.
+    const SEmulatedCamera* emulatedCamera(const SCameraInfo& camera) const;
 
 private:
     class CReader;

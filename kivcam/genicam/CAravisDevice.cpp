@@ -4,6 +4,7 @@
 
 #include <arv.h>
 #include <atomic>
+#include <utility>
 
 namespace kiv::cam {
 
@@ -12,9 +13,9 @@ namespace kiv::cam {
 struct SAravisWatch {
     std::atomic<bool> control{true};
     CString lostMessage;
-    // Held while the handler runs, so that replacing it waits for a call in progress.
+    // Held while the device's lost handler is told, so that closing the device waits for that.
     std::mutex handlerMutex;
-    std::function<void(const CString&)> handler;
+    std::function<void(const CString&)> report; // empty once the device is closed
 };
 
 namespace {
@@ -26,8 +27,8 @@ void controlLost(ArvDevice*, gpointer data)
     if (!watch.control.exchange(false))
         return;
     std::lock_guard lock(watch.handlerMutex);
-    if (watch.handler)
-        watch.handler(watch.lostMessage);
+    if (watch.report)
+        watch.report(watch.lostMessage);
 }
 
 void releaseWatch(gpointer data, GClosure*)
@@ -71,6 +72,7 @@ void CAravisDevice::Adopt(ArvDevice* device, SDeviceInfo info, CString lostMessa
 {
     auto watch = std::make_shared<SAravisWatch>();
     watch->lostMessage = std::move(lostMessage);
+    watch->report = [this](const CString& message) { reportLost(message); };
     const gulong handler = g_signal_connect_data(device, "control-lost", G_CALLBACK(controlLost),
         new std::shared_ptr<SAravisWatch>(watch), releaseWatch, GConnectFlags(0));
     std::lock_guard lock(m_mutex);
@@ -91,6 +93,7 @@ void CAravisDevice::close()
 {
     ArvDevice* device = nullptr;
     bool lost = false;
+    std::shared_ptr<SAravisWatch> watch;
     {
         std::lock_guard lock(m_mutex);
         std::swap(device, m_device);
@@ -98,7 +101,12 @@ void CAravisDevice::close()
             g_signal_handler_disconnect(device, m_handler);
         m_handler = 0;
         lost = m_watch && !m_watch->control;
-        m_watch.reset();
+        watch = std::exchange(m_watch, nullptr);
+    }
+    if (watch) {
+        // A signal that came before the disconnection may still be on its way.
+        std::lock_guard lock(watch->handlerMutex);
+        watch->report = {};
     }
     if (!device)
         return;
@@ -112,19 +120,6 @@ void CAravisDevice::close()
 void CAravisDevice::ReleaseInBackground(void* object)
 {
     finaliser().post([object] { g_object_unref(object); });
-}
-
-void CAravisDevice::SetLostHandler(std::function<void(const CString& message)> handler)
-{
-    std::shared_ptr<SAravisWatch> watch;
-    {
-        std::lock_guard lock(m_mutex);
-        watch = m_watch;
-    }
-    if (!watch)
-        return;
-    std::lock_guard lock(watch->handlerMutex);
-    watch->handler = std::move(handler);
 }
 
 void CAravisDevice::MarkLost()

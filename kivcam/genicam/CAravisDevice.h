@@ -40,12 +40,9 @@ public:
     // thread kept for that: finalising one waits seconds for the camera's answers that never come.
     static void ReleaseInBackground(void* object);
 
-    // The camera, while open; null otherwise.
+    // The camera, while open; null otherwise. When control is lost the lost handler hears it,
+    // on a thread of Aravis's (setLostHandler).
     ArvDevice* arvDevice() const { return m_device; }
-    // Called with errorMessage() when control is lost, on a thread of Aravis's; for the
-    // controller connected to the device. An empty handler ends the calls: once this returns, no
-    // call of the previous handler is running.
-    void SetLostHandler(std::function<void(const CString& message)> handler);
     // Counts the camera as lost though Aravis has not said so (yet): its controller found its
     // stream dead. The lost handler is not called.
     void MarkLost();

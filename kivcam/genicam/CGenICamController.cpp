@@ -88,7 +88,7 @@ bool CGenICamController::Open(TSharedPtr<IDevice> device, const SCameraInfo& cam
     // Reported on threads of Aravis's and of the stream; handled here, in turn with the rest.
     const auto lost
         = [this](const CString& message) { m_worker.post([this, message] { Lost(message); }); };
-    aravis->SetLostHandler(lost);
+    m_device->setLostHandler(lost);
     m_frames->setStreamLost(lost);
     m_frames->setRateWriter([this](double rate) {
         SGenICamFeature row;
@@ -132,7 +132,7 @@ void CGenICamController::Close()
 {
     if (!m_device)
         return;
-    m_aravis->SetLostHandler({});
+    m_device->setLostHandler({});
     StopStream();
     m_frames->setStreamLost({});
     m_frames->setRateWriter({});
@@ -382,6 +382,7 @@ void CGenICamController::Lost(const CString& message)
     m_aravis->MarkLost();
     SetError(message);
     ForEachListener([&](IGenICamListener* listener) { listener->connectionLost(message); });
+    reportLost(message);
 }
 
 bool CGenICamController::hasControl() const

@@ -6,10 +6,12 @@
 #include <kiv/strprintf.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
 #include <grp.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -123,13 +125,30 @@ bool CSerialDevice::Open(const SDeviceInfo& info, bool exclusive)
         settings.c_cc[VTIME] = 0;
         ok = ::cfsetspeed(&settings, speed) == 0 && ::tcsetattr(port, TCSANOW, &settings) == 0;
     }
-    if (!ok) {
+    const int wake = ok ? ::eventfd(0, EFD_CLOEXEC) : -1;
+    if (!ok || wake < 0) {
         m_error = openError(path, errno);
         ::close(port);
         return false;
     }
     m_port = port;
+    m_wake = wake;
+    m_watch = std::thread([this, port, wake, path] { Watch(port, wake, path); });
     return true;
+}
+
+void CSerialDevice::Watch(int port, int wake, const CString& path) const
+{
+    // No events asked for the port: poll reports its hang-up and errors all the same.
+    pollfd ready[2] = {{port, 0, 0}, {wake, POLLIN, 0}};
+    while (::poll(ready, 2, -1) < 0) {
+        if (errno != EINTR)
+            return;
+    }
+    if (ready[1].revents == 0)
+        reportLost(strprintf("The serial port %s went away: its adapter was unplugged, or the "
+                             "other end closed it.",
+            path.data()));
 }
 
 void CSerialDevice::close()
@@ -137,6 +156,12 @@ void CSerialDevice::close()
     std::lock_guard lock(m_mutex);
     if (m_port < 0)
         return;
+    // Wakes the watch, which then ends.
+    const std::uint64_t one = 1;
+    while (::write(m_wake, &one, sizeof one) < 0 && errno == EINTR) { }
+    m_watch.join();
+    ::close(m_wake);
+    m_wake = -1;
     ::ioctl(m_port, TIOCNXCL);
     ::close(m_port);
     m_port = -1;

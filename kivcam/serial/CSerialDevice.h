@@ -8,6 +8,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <thread>
 
 namespace kiv::cam {
 
@@ -17,6 +18,8 @@ namespace kiv::cam {
 // Opened for exclusive use, the port is locked (flock) and set exclusive (TIOCEXCL), so that
 // neither another program nor another device of this one opens it meanwhile. When it cannot be
 // opened errorMessage() says why: missing, busy, or permission denied with the group to join.
+// While it is open a thread of its own waits for the port to hang up (its adapter unplugged, the
+// other end of a pseudo-terminal closed) and tells the lost handler.
 class KIVCAM_EXPORT CSerialDevice : public IDevice {
 public:
     CSerialDevice() = default;
@@ -35,11 +38,15 @@ public:
 
 private:
     bool Open(const SDeviceInfo& info, bool exclusive);
+    // Waits on the watch thread until the port hangs up or close() wakes it.
+    void Watch(int port, int wake, const CString& path) const;
 
     mutable std::mutex m_mutex;
     SDeviceInfo m_info;
     CString m_error;
     int m_port = -1;
+    int m_wake = -1; // an eventfd that ends the watch
+    std::thread m_watch;
 };
 
 } // namespace kiv::cam

@@ -2,6 +2,7 @@
 
 #include <kiv/CMemFile.h>
 #include <kivcam/CCameraFinder.h>
+#include <kivcamui/device/DeviceWatch.h>
 #include <kivcamui/plugin/Conversions.h>
 #include <kivcamui/plugin/PoolSearch.h>
 #include <kivcamui/plugin/ReleasedOnPool.h>
@@ -11,7 +12,9 @@
 namespace kiv::cam::ui {
 
 CameraFinderModel::CameraFinderModel(QObject* parent)
-    : QObject(parent), m_task(std::make_unique<PoolSearch<CameraInfo>>())
+    : QObject(parent),
+      m_task(std::make_unique<PoolSearch<CameraInfo>>()),
+      m_watch(new DeviceWatch(this))
 {
     connect(&m_watcher, &QFutureWatcher<Found>::finished, this, &CameraFinderModel::doneScanning);
     QJSEngine::setObjectOwnership(&m_cameras, QJSEngine::CppOwnership);
@@ -47,6 +50,17 @@ void CameraFinderModel::setCommOnly(bool commOnly)
         return;
     m_search->commOnly = commOnly;
     emit commOnlyChanged();
+}
+
+bool CameraFinderModel::watchDevices() const
+{
+    return m_watch->enabled();
+}
+
+void CameraFinderModel::setWatchDevices(bool watch)
+{
+    if (m_watch->setEnabled(watch))
+        emit watchDevicesChanged();
 }
 
 void CameraFinderModel::scan()

@@ -11,6 +11,8 @@
 #include <atomic>
 #include <memory>
 
+class DeviceWatch;
+
 namespace kiv::cam::ui {
 
 template <typename T> class MadeOnPool;
@@ -32,6 +34,7 @@ class KIVCAMUI_EXPORT CameraFinderModel : public QObject {
     Q_PROPERTY(QStringList supportedCameras READ supportedCameras WRITE setSupportedCameras NOTIFY
             supportedCamerasChanged)
     Q_PROPERTY(bool commOnly READ commOnly WRITE setCommOnly NOTIFY commOnlyChanged)
+    Q_PROPERTY(bool watchDevices READ watchDevices WRITE setWatchDevices NOTIFY watchDevicesChanged)
 
 public:
     explicit CameraFinderModel(QObject* parent = nullptr);
@@ -49,6 +52,10 @@ public:
     void setSupportedCameras(const QList<QString>& names);
     bool commOnly() const { return m_search->commOnly; }
     void setCommOnly(bool commOnly);
+    // While on, a USB3 Vision camera or USB serial adapter plugged in or out starts a search
+    // (bursts of events give one, and none starts while one runs); off at construction.
+    bool watchDevices() const;
+    void setWatchDevices(bool watch);
 
     // Starts a search, unless one is running. The list is empty until the search ends.
     Q_INVOKABLE void scan();
@@ -63,6 +70,7 @@ signals:
     void scannedChanged();
     void supportedCamerasChanged();
     void commOnlyChanged();
+    void watchDevicesChanged();
 
 private slots:
     void doneScanning();
@@ -90,6 +98,7 @@ private:
     bool m_scanning = false;
     bool m_scanned = false;
     QStringList m_supportedCameras;
+    DeviceWatch* m_watch; // a child
 };
 
 } // namespace kiv::cam::ui

@@ -2,6 +2,7 @@
 
 #include <kivcam/CCameras.h>
 #include <kivcam/CInterfaces.h>
+#include <kivcamui/device/DeviceWatch.h>
 #include <kivcamui/plugin/Conversions.h>
 #include <kivcamui/plugin/PoolSearch.h>
 
@@ -25,7 +26,8 @@ bool isPlaceholder(const DeviceInfo* device)
 
 } // namespace
 
-CustomCameraSelectorModel::CustomCameraSelectorModel(QObject* parent) : QObject(parent)
+CustomCameraSelectorModel::CustomCameraSelectorModel(QObject* parent)
+    : QObject(parent), m_watch(new DeviceWatch(this))
 {
     for (ObjectListModel* list : {&m_cameras, &m_commDevices, &m_videoDevices, &m_devices})
         QJSEngine::setObjectOwnership(list, QJSEngine::CppOwnership);
@@ -72,6 +74,17 @@ DeviceInfo* CustomCameraSelectorModel::selectedCommDevice() const
 DeviceInfo* CustomCameraSelectorModel::selectedVideoDevice() const
 {
     return deviceAt(m_videoDevices, m_selectedVideoDeviceIndex);
+}
+
+bool CustomCameraSelectorModel::watchDevices() const
+{
+    return m_watch->enabled();
+}
+
+void CustomCameraSelectorModel::setWatchDevices(bool watch)
+{
+    if (m_watch->setEnabled(watch))
+        emit watchDevicesChanged();
 }
 
 void CustomCameraSelectorModel::scan()

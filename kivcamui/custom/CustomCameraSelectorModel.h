@@ -12,6 +12,8 @@
 #include <QFutureWatcher>
 #include <QObject>
 
+class DeviceWatch;
+
 namespace kiv::cam::ui {
 
 // Assembles a camera description by hand: a camera type (or the "Custom" type), then either one
@@ -51,6 +53,7 @@ class KIVCAMUI_EXPORT CustomCameraSelectorModel : public QObject {
             setSelectedVideoDeviceIndex NOTIFY selectedVideoDeviceChanged)
     Q_PROPERTY(
         bool useSameDevice READ useSameDevice WRITE setUseSameDevice NOTIFY useSameDeviceChanged)
+    Q_PROPERTY(bool watchDevices READ watchDevices WRITE setWatchDevices NOTIFY watchDevicesChanged)
 
 public:
     // Lists every camera type, then the "Custom" type; emulators are enabled when
@@ -91,6 +94,10 @@ public:
     bool useSameDevice() const { return m_useSameDevice; }
     // Carries the description's devices over into the other mode, choosing them in its lists.
     void setUseSameDevice(bool same);
+    // While on, a USB3 Vision camera or USB serial adapter plugged in or out starts a search
+    // (bursts of events give one, and none starts while one runs); off at construction.
+    bool watchDevices() const;
+    void setWatchDevices(bool watch);
 
     // Starts a search, unless one is running: clears the device choices and the description's
     // devices, and empties the device lists until the search ends.
@@ -106,6 +113,7 @@ signals:
     void selectedCommDeviceChanged();
     void selectedVideoDeviceChanged();
     void useSameDeviceChanged();
+    void watchDevicesChanged();
 
 private slots:
     void doneScanning();
@@ -143,6 +151,7 @@ private:
     int m_selectedCommDeviceIndex = -1;
     int m_selectedVideoDeviceIndex = -1;
     bool m_useSameDevice = true;
+    DeviceWatch* m_watch; // a child
 };
 
 } // namespace kiv::cam::ui

@@ -1,5 +1,6 @@
 #include "DeviceFinderModel.h"
 
+#include <kivcamui/device/DeviceWatch.h>
 #include <kivcamui/plugin/Conversions.h>
 #include <kivcamui/plugin/PoolSearch.h>
 
@@ -13,7 +14,8 @@ using kiv::cam::ui::toCString;
 using kiv::cam::ui::toCStrings;
 using kiv::cam::ui::toQString;
 
-DeviceFinderModel::DeviceFinderModel(QObject* parent) : QObject(parent)
+DeviceFinderModel::DeviceFinderModel(QObject* parent)
+    : QObject(parent), m_watch(new DeviceWatch(this))
 {
     connect(&m_watcher, &QFutureWatcher<DeviceSearch::Found>::finished, this,
         &DeviceFinderModel::doneScanning);
@@ -52,6 +54,17 @@ void DeviceFinderModel::setDefaultBaudRate(int rate)
         return;
     m_defaultBaudRate = rate;
     emit defaultBaudRateChanged();
+}
+
+bool DeviceFinderModel::watchDevices() const
+{
+    return m_watch->enabled();
+}
+
+void DeviceFinderModel::setWatchDevices(bool watch)
+{
+    if (m_watch->setEnabled(watch))
+        emit watchDevicesChanged();
 }
 
 void DeviceFinderModel::scan()

@@ -10,6 +10,8 @@
 #include <QString>
 #include <QStringList>
 
+class DeviceWatch;
+
 // Searches the machine for the devices through which cameras are reached, on a thread of Qt's
 // global pool, and lists them as DeviceInfo objects, together with a "Custom" device of each
 // wanted transport for the user to fill in by hand. The "Control" and "BaudRate" parameters of
@@ -27,6 +29,7 @@ class KIVCAMUI_EXPORT DeviceFinderModel : public QObject {
             defaultControlChanged)
     Q_PROPERTY(int defaultBaudRate READ defaultBaudRate WRITE setDefaultBaudRate NOTIFY
             defaultBaudRateChanged)
+    Q_PROPERTY(bool watchDevices READ watchDevices WRITE setWatchDevices NOTIFY watchDevicesChanged)
 
 public:
     explicit DeviceFinderModel(QObject* parent = nullptr);
@@ -50,6 +53,10 @@ public:
     // for none.
     int defaultBaudRate() const { return m_defaultBaudRate; }
     void setDefaultBaudRate(int rate);
+    // While on, a USB3 Vision camera or USB serial adapter plugged in or out starts a search
+    // (bursts of events give one, and none starts while one runs); off at construction.
+    bool watchDevices() const;
+    void setWatchDevices(bool watch);
 
     // Starts a search, unless one is running. The list is empty until the search ends.
     Q_INVOKABLE void scan();
@@ -61,6 +68,7 @@ signals:
     void supportedDevicesChanged();
     void defaultControlChanged();
     void defaultBaudRateChanged();
+    void watchDevicesChanged();
 
 private slots:
     void doneScanning();
@@ -77,4 +85,5 @@ private:
     QStringList m_supportedDevices;
     QString m_defaultControl;
     int m_defaultBaudRate = -1;
+    DeviceWatch* m_watch; // a child
 };

@@ -4,6 +4,7 @@
 #include <kivcam/CControllerFactory.h>
 #include <kivcam/CInterfaces.h>
 #include <kivcamui/plugin/Conversions.h>
+#include <kivcamui/plugin/GuiRelay.h>
 #include <kivcamui/plugin/IControllerModelFactory.h>
 
 #include <QStandardPaths>
@@ -27,28 +28,46 @@ struct StandaloneModel::SConnectAttempt {
     SConnectAttempt& operator=(const SConnectAttempt&) = delete;
 
     // First phase: the transport of the camera's control device makes a device object, which
-    // opens the device of the record.
+    // opens the device of the record. A failure leaves its reason in error.
     bool OpenDevice()
     {
         const TSharedPtr<IInterface> transport
             = interfaces()->interfaceByName(camera.comm.interfaceName);
-        if (!transport)
+        if (!transport) {
+            error = QStringLiteral("No transport \"%1\" is there to reach the camera's device.")
+                        .arg(toQString(camera.comm.interfaceName));
             return false;
+        }
         device = transport->createDevice();
-        if (!device)
+        if (!device) {
+            error = QStringLiteral("The transport \"%1\" cannot make a device.")
+                        .arg(toQString(camera.comm.interfaceName));
             return false;
+        }
         if (device->open(camera.comm, true))
             return true;
+        error = toQString(device->errorMessage());
+        if (error.isEmpty())
+            error
+                = QStringLiteral("The device \"%1\" of \"%2\" could not be opened.")
+                      .arg(toQString(camera.comm.deviceName), toQString(camera.comm.interfaceName));
         device.reset();
         return false;
     }
 
-    // Second phase: the controller brings the camera up through the open device.
-    bool ConnectController()
+    // Second phase: the controller brings the camera up through the open device; a loss from
+    // then on goes to lost.
+    bool ConnectController(CLostReport::Handler lost)
     {
+        controller->setLostHandler(std::move(lost));
         connected = controller->connect(device, camera);
         if (connected)
             return true;
+        controller->setLostHandler({});
+        error = toQString(controller->errorMessage());
+        if (error.isEmpty())
+            error = QStringLiteral("The camera did not answer the controller \"%1\".")
+                        .arg(toQString(controller->name()));
         device->close();
         device.reset();
         return false;
@@ -63,8 +82,10 @@ struct StandaloneModel::SConnectAttempt {
 
     void Abandon()
     {
-        if (std::exchange(connected, false))
+        if (std::exchange(connected, false)) {
+            controller->setLostHandler({});
             controller->disconnect();
+        }
         if (device) {
             device->close();
             device.reset();
@@ -76,10 +97,12 @@ struct StandaloneModel::SConnectAttempt {
     TSharedPtr<IController> controller;
     TSharedPtr<IDevice> device;
     bool connected = false;
+    // Why the phase that failed did, for people.
+    QString error;
 };
 
 StandaloneModel::StandaloneModel(QObject* parent)
-    : QObject(parent), m_cameraFinder(new CameraFinderModel(this))
+    : QObject(parent), m_cameraFinder(new CameraFinderModel(this)), m_relay(GuiRelay::Make(this))
 {
     TArray<CString> names;
     cameras()->cameraTypeNames(names);
@@ -101,6 +124,7 @@ StandaloneModel::StandaloneModel(QObject* parent)
 // nobody waits for that.
 StandaloneModel::~StandaloneModel()
 {
+    m_relay->Detach();
     disconnect();
 }
 
@@ -155,6 +179,7 @@ void StandaloneModel::connect(CameraInfo* camera)
     disconnect();
     m_connecting = true;
     emit connectingChanged();
+    setErrorMessage(QString());
     m_attempt = std::make_shared<SConnectAttempt>(camera->info());
     m_connectWatcher.setFuture(QtConcurrent::run(
         QThreadPool::globalInstance(), [attempt = m_attempt] { return attempt->OpenDevice(); }));
@@ -163,20 +188,34 @@ void StandaloneModel::connect(CameraInfo* camera)
 void StandaloneModel::finishedConnectWatcher()
 {
     if (!m_connectWatcher.result()) {
-        m_attempt.reset();
+        setErrorMessage(std::exchange(m_attempt, nullptr)->error);
         endConnecting(false);
         return;
     }
-    setControllerName(toQString(m_attempt->camera.name));
+    const QString type = toQString(m_attempt->camera.name);
+    setControllerName(type);
     if (!m_controller) {
         m_attempt->Abandon();
         m_attempt.reset();
+        setErrorMessage(type.isEmpty()
+                ? QStringLiteral("The camera's description names no camera type.")
+                : cameras()->cameraByName(toCString(type))
+                ? QStringLiteral("The camera type \"%1\" has no controller here.").arg(type)
+                : QStringLiteral("The camera type \"%1\" is unknown here.").arg(type));
         endConnecting(false);
         return;
     }
     m_attempt->controller = m_controller;
-    m_connectWatcher2.setFuture(QtConcurrent::run(QThreadPool::globalInstance(),
-        [attempt = m_attempt] { return attempt->ConnectController(); }));
+    // A loss reported after this connection was replaced, or its model went, is dropped.
+    CLostReport::Handler lost
+        = [this, relay = m_relay, connection = ++m_connection](const CString& reason) {
+              // Runs only while the model lives: the relay posts to it, or not at all.
+              relay->Post([this, connection, reason] { lose(connection, toQString(reason)); });
+          };
+    m_connectWatcher2.setFuture(QtConcurrent::run(
+        QThreadPool::globalInstance(), [attempt = m_attempt, lost = std::move(lost)] {
+            return attempt->ConnectController(lost);
+        }));
 }
 
 void StandaloneModel::finishedConnectWatcher2()
@@ -190,7 +229,27 @@ void StandaloneModel::finishedConnectWatcher2()
     }
     if (connected)
         m_device = attempt->TakeDevice();
+    else
+        setErrorMessage(attempt->error.isEmpty()
+                ? QStringLiteral("Another controller was chosen while the camera connected.")
+                : attempt->error);
     endConnecting(connected);
+}
+
+void StandaloneModel::lose(std::uint64_t connection, const QString& reason)
+{
+    if (connection != m_connection || !m_connected || m_disconnecting)
+        return;
+    setErrorMessage(reason);
+    disconnect();
+}
+
+void StandaloneModel::setErrorMessage(const QString& message)
+{
+    if (message == m_errorMessage)
+        return;
+    m_errorMessage = message;
+    emit errorMessageChanged();
 }
 
 // Disconnecting is synchronous; this watcher is never given a task.
@@ -214,8 +273,10 @@ void StandaloneModel::disconnect()
         return;
     m_disconnecting = true;
     emit disconnectingChanged();
-    if (m_controller)
+    if (m_controller) {
+        m_controller->setLostHandler({});
         m_controller->disconnect();
+    }
     if (m_device)
         m_device->close();
     m_device.reset();

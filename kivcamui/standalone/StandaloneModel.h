@@ -12,9 +12,12 @@
 #include <QString>
 #include <QStringList>
 
+#include <cstdint>
 #include <memory>
 
 namespace kiv::cam::ui {
+
+class GuiRelay;
 
 // Connects one camera at a time and chooses its controller. A connect runs in two phases on
 // Qt's global thread pool: the first opens the camera's control device, then, on the GUI thread,
@@ -43,6 +46,9 @@ class KIVCAMUI_EXPORT StandaloneModel : public QObject {
     Q_PROPERTY(QString configDir READ configDir CONSTANT)
     Q_PROPERTY(bool connecting READ connecting NOTIFY connectingChanged)
     Q_PROPERTY(bool disconnecting READ disconnecting NOTIFY disconnectingChanged)
+    // Why the last connect failed, or why the connected camera was lost, for people; empty while
+    // there is nothing to say. A new connect clears it.
+    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
 
 public:
     explicit StandaloneModel(QObject* parent = nullptr);
@@ -75,12 +81,15 @@ public:
     QString configDir() const;
     bool connecting() const { return m_connecting; }
     bool disconnecting() const { return m_disconnecting; }
+    QString errorMessage() const { return m_errorMessage; }
 
     // Disconnects what is connected and starts connecting the camera described; ignored while
-    // connecting or disconnecting, and for a null camera. Failure shows only as connecting going
-    // back to false with connected false.
+    // connecting or disconnecting, and for a null camera. Failure shows as connecting going back
+    // to false with connected false, and errorMessage says why.
     Q_INVOKABLE void connect(kiv::cam::ui::CameraInfo* camera);
-    // Takes the connected camera down and closes its device; ignored unless connected.
+    // Takes the connected camera down and closes its device; ignored unless connected. A camera
+    // that is lost while connected (its device gone, control lost, its pictures stopped) is
+    // taken down the same way, with errorMessage set first.
     Q_INVOKABLE void disconnect();
 
 signals:
@@ -89,6 +98,7 @@ signals:
     void canSelectControllerChanged();
     void connectingChanged();
     void disconnectingChanged();
+    void errorMessageChanged();
 
 private slots:
     void finishedConnectWatcher();
@@ -99,6 +109,9 @@ private:
     struct SConnectAttempt;
 
     void endConnecting(bool connected);
+    // The controller of that connection lost its camera.
+    void lose(std::uint64_t connection, const QString& reason);
+    void setErrorMessage(const QString& message);
 
     CameraFinderModel* m_cameraFinder;
     TSharedPtr<IController> m_controller;
@@ -113,6 +126,11 @@ private:
     bool m_canSelectController = false;
     bool m_connecting = false;
     bool m_disconnecting = false;
+    QString m_errorMessage;
+    // Counts the connections, so that a loss is taken only from the current one.
+    std::uint64_t m_connection = 0;
+    // Hands losses from the controller's threads to this model.
+    const std::shared_ptr<GuiRelay> m_relay;
     // The connect in progress, shared with its phase's task.
     std::shared_ptr<SConnectAttempt> m_attempt;
     QFutureWatcher<bool> m_connectWatcher;

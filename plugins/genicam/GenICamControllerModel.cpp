@@ -1,8 +1,7 @@
 #include "GenICamControllerModel.h"
 
-#include "GuiRelay.h"
-
 #include <kivcam/IFrameSource.h>
+#include <kivcamui/plugin/GuiRelay.h>
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,8 +1,7 @@
 #include "GenICamFeatureModel.h"
 
-#include "GuiRelay.h"
-
 #include <kivcamui/plugin/Conversions.h>
+#include <kivcamui/plugin/GuiRelay.h>
 
 #include <QStringList>
 

@@ -10,7 +10,9 @@ a second run remembers the last camera and connects it from there, then connects
 chosen in the "Find cameras..." dialog, and a third assembles a camera by hand in the custom
 camera dialog and connects it, and a fourth connects the GenICam camera, switches its feature
 tree to Expert, enters an exposure time and drags the sensor window smaller, and sees the picture
-shrink with it. Screenshots of each step are saved in the output folder for a person to look at.
+shrink with it; a fifth connects a camera that falls silent, sees the reason, and reconnects it
+when a search finds it again. Screenshots of each step are saved in the output folder for a
+person to look at.
 
     tst_demo.py --demo BINARY --world WORLD.xml --out FOLDER
 
@@ -179,6 +181,18 @@ def xdotool(env, *arguments):
                           capture_output=True, text=True).stdout
 
 
+def connect_from_dialog(demo, identity):
+    """"Find cameras...": the dialog scans, and the camera chosen there is connected on
+    "Connect"."""
+    demo.click("find cameras")
+    demo.expect_all("dialog opened", "scanning")
+    demo.expect("cameras 5")
+    demo.expect(r"at .* dialog connect")
+    demo.click("dialog row " + identity)
+    demo.click("dialog connect")
+    demo.expect_all(f"dialog accepted {identity}", f"connecting {identity}")
+
+
 def first_run(demo, shot):
     demo.expect("ready")
     demo.find_window()
@@ -186,7 +200,7 @@ def first_run(demo, shot):
     # Nothing found yet and no last camera: opening the popup scans, once.
     demo.click("camera button")
     demo.expect_all("popup opened", "scanning")
-    demo.expect("cameras 4")
+    demo.expect("cameras 5")
     demo.expect_without(r"at .* row Bench camera", lambda line: " last " in line,
                         "a first run shows a last camera")
     demo.expect(r"at .* row Broken camera")
@@ -195,6 +209,7 @@ def first_run(demo, shot):
     # A connect that fails is reported as such; the popup keeps the camera all the same.
     demo.click("row Broken camera")
     demo.expect_all("popup closed", "connecting Broken camera")
+    demo.expect(r'error The camera B64-3 did not answer the controller "Thermal"\.')
     demo.expect_without("connect-failed Broken camera", lambda line: line.startswith("connected"),
                         "a failing camera was reported connected")
     shot("2-connect-failed")
@@ -262,7 +277,7 @@ def second_run(demo, shot):
     # the one connected is disconnected.
     demo.click("find cameras")
     demo.expect_all("dialog opened", "scanning")
-    demo.expect("cameras 4")
+    demo.expect("cameras 5")
     demo.expect(r"at .* dialog connect")
     demo.click("dialog row Bench camera")
     shot("9-dialog")
@@ -309,13 +324,7 @@ def fourth_run(demo, shot):
 
     # The GenICam camera, chosen in "Find cameras...": its panel with a live picture and the
     # camera's feature tree.
-    demo.click("find cameras")
-    demo.expect_all("dialog opened", "scanning")
-    demo.expect("cameras 4")
-    demo.expect(r"at .* dialog connect")
-    demo.click("dialog row GenICam camera")
-    demo.click("dialog connect")
-    demo.expect_all("dialog accepted GenICam camera", "connecting GenICam camera")
+    connect_from_dialog(demo, "GenICam camera")
     demo.expect("connected Emulated GenICam camera")
     demo.expect("panel loaded")
     lines = demo.expect_all(r"picture \d+ x \d+, .*", r"sensor \d+ \d+ \d+ \d+",
@@ -364,6 +373,24 @@ def fourth_run(demo, shot):
     shot("15-genicam-window")
 
 
+def fifth_run(demo, shot):
+    demo.expect("ready")
+    demo.find_window()
+
+    # A camera that falls silent while connected: the status says why, a search finds it again,
+    # and Reconnect connects it.
+    connect_from_dialog(demo, "Fading camera")
+    demo.expect("connected Bench64")
+    demo.expect("error The camera B64-4 stopped answering.")
+    demo.expect_all("disconnecting", "disconnected")
+    demo.expect(r"at .* reconnect")
+    shot("16-lost")
+    demo.click("reconnect")
+    demo.expect_all("connecting Fading camera", "error ")
+    demo.expect("connected Bench64")
+    shot("17-reconnected")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--demo", required=True)
@@ -400,7 +427,8 @@ def main():
 
     status = 0
     try:
-        for run, steps in ((1, first_run), (2, second_run), (3, third_run), (4, fourth_run)):
+        for run, steps in ((1, first_run), (2, second_run), (3, third_run), (4, fourth_run),
+                           (5, fifth_run)):
             demo = Demo(options.demo, env, options.out, run)
 
             def shot(name):

@@ -7,8 +7,32 @@
 #include <QTest>
 
 #include <future>
+#include <mutex>
 
 using namespace emulatortest;
+
+namespace {
+
+// A device that is open from any record and goes away when the test says.
+class CVanishingDevice : public IDevice {
+public:
+    bool open(SDeviceInfo info, bool) override
+    {
+        m_info = std::move(info);
+        m_open = true;
+        return true;
+    }
+    void close() override { m_open = false; }
+    bool isOpen() const override { return m_open; }
+    const SDeviceInfo& info() const override { return m_info; }
+    void vanish(const CString& reason) const { reportLost(reason); }
+
+private:
+    SDeviceInfo m_info;
+    bool m_open = false;
+};
+
+} // namespace
 
 // Controllers of a world with every fault, connecting to its cameras.
 class tst_CEmulatorController : public QObject {
@@ -91,6 +115,8 @@ private slots:
         QVERIFY(setup.device->isOpen());
         QVERIFY(!setup.controller->connect(setup.device, setup.camera));
         QVERIFY(!setup.controller->isConnected());
+        QCOMPARE(str(setup.controller->errorMessage()),
+            QByteArray("The camera G-2 did not answer the controller \"Stubborn\"."));
     }
 
     void cameraFaultRefuses()
@@ -99,10 +125,65 @@ private slots:
         QVERIFY(refusing.device->isOpen());
         QVERIFY(!refusing.controller->connect(refusing.device, refusing.camera));
         QVERIFY(!refusing.controller->isConnected());
+        QCOMPARE(str(refusing.controller->errorMessage()),
+            QByteArray("The camera S-2 did not answer the controller \"Generic\"."));
 
-        // The same controller and device serve the camera beside it.
+        // The same controller and device serve the camera beside it, and the reason goes.
         const SCameraInfo neighbour = bySerial(camerasOf("SlowSerial"), "S-1");
         QVERIFY(refusing.controller->connect(refusing.device, neighbour));
+        QVERIFY(refusing.controller->errorMessage().empty());
+    }
+
+    // A camera with lostAfter falls silent that long after each connect: its pictures stop, the
+    // lost handler hears it once, and the controller stays connected until disconnect().
+    void aCameraOfTheWorldFallsSilent()
+    {
+        const SSetup setup = setUp("Emu", "P-1");
+        std::mutex mutex;
+        QByteArrayList heard;
+        setup.controller->setLostHandler([&](const CString& reason) {
+            const std::lock_guard lock(mutex);
+            heard << str(reason);
+        });
+        QVERIFY(setup.controller->connect(setup.device, setup.camera));
+        QTRY_VERIFY([&] {
+            const std::lock_guard lock(mutex);
+            return !heard.isEmpty();
+        }());
+        QTest::qWait(300);
+        {
+            const std::lock_guard lock(mutex);
+            QCOMPARE(heard, QByteArrayList{"The camera P-1 stopped answering."});
+        }
+        QVERIFY(setup.controller->isConnected());
+        QCOMPARE(str(setup.controller->errorMessage()), heard.first());
+        // A disconnect before the silence leaves nothing to hear.
+        setup.controller->disconnect();
+        QVERIFY(setup.controller->connect(setup.device, setup.camera));
+        setup.controller->disconnect();
+        QTest::qWait(300);
+        const std::lock_guard lock(mutex);
+        QCOMPARE(heard.size(), 1);
+    }
+
+    // The device going away is the camera's loss.
+    void aDeviceThatGoesAwayLosesTheCamera()
+    {
+        const SSetup setup = setUp("SlowSerial", "S-1");
+        CString heard;
+        setup.controller->setLostHandler([&](const CString& reason) { heard = reason; });
+        const TSharedPtr<IDevice> device(new CVanishingDevice);
+        QVERIFY(device->open(setup.camera.comm, false));
+        QVERIFY(setup.controller->connect(device, setup.camera));
+        auto* vanishing = static_cast<CVanishingDevice*>(device.get());
+        vanishing->vanish("The port went away.");
+        QCOMPARE(str(heard), QByteArray("The port went away."));
+        QVERIFY(setup.controller->isConnected());
+        // After the disconnect the device is no longer the controller's.
+        setup.controller->disconnect();
+        heard = CString();
+        vanishing->vanish("Again.");
+        QVERIFY(heard.empty());
     }
 
     void cameraIsKnownByDeviceAndSerial()

@@ -50,6 +50,7 @@ private slots:
         const TSharedPtr<IDevice> device = create("SlowSerial");
         QVERIFY(device->open(record("SlowSerial", "COM1"), true));
         QVERIFY(!device->open(record("SlowSerial", "COM1"), true));
+        QCOMPARE(str(device->errorMessage()), QByteArray("The device is open already."));
         QVERIFY(device->isOpen());
         QCOMPARE(str(device->info().deviceName), QByteArray("COM1"));
     }
@@ -71,15 +72,21 @@ private slots:
     {
         const TSharedPtr<IDevice> device = create("SlowSerial");
         QVERIFY(!device->open(record("SlowSerial", "COM2"), false));
+        QCOMPARE(str(device->errorMessage()),
+            QByteArray("The device \"COM2\" on \"SlowSerial\" did not open."));
         QVERIFY(!device->isOpen());
         QVERIFY(device->open(record("SlowSerial", "COM1"), false));
+        QVERIFY(device->errorMessage().empty());
     }
 
     void deviceThatCannotConnectRefuses()
     {
         const SDeviceInfo busy = record("SlowSerial", "COM3");
         QVERIFY(!busy.canConnect);
-        QVERIFY(!create("SlowSerial")->open(busy, false));
+        const TSharedPtr<IDevice> device = create("SlowSerial");
+        QVERIFY(!device->open(busy, false));
+        // The device's own words.
+        QCOMPARE(device->errorMessage(), busy.errorMessage);
     }
 
     void recordMustNameADeviceOfTheTransport()
@@ -89,10 +96,14 @@ private slots:
         SDeviceInfo unknown = record("SlowSerial", "COM1");
         unknown.deviceName = "COM9";
         QVERIFY(!device->open(unknown, false));
+        QCOMPARE(str(device->errorMessage()),
+            QByteArray("There is no device \"COM9\" on \"SlowSerial\" now."));
         // The right device name on the wrong transport.
         SDeviceInfo elsewhere = record("SlowSerial", "COM1");
         elsewhere.interfaceName = "Emu";
         QVERIFY(!device->open(elsewhere, false));
+        QCOMPARE(str(device->errorMessage()),
+            QByteArray("The device \"COM1\" is a device of \"Emu\", not of \"SlowSerial\"."));
         QVERIFY(!device->open(record("Emu", "Emu 0"), false));
         QVERIFY(!device->open(interfaces()->interfaceByName("SlowSerial")->defaultDevice, false));
         QVERIFY(!device->isOpen());

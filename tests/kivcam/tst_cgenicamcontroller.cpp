@@ -2,11 +2,13 @@
 // described by the camera library's own GenICam file. Nothing here touches a network.
 
 #include <kivcam/IFrameListener.h>
+#include <kivcam/genicam/CAravisDevice.h>
 #include <kivcam/genicam/CGenICamController.h>
 #include <kivcam/genicam/CGenICamEmulatorDevice.h>
 
 #include <QtTest>
 
+#include <arv.h>
 #include <chrono>
 #include <condition_variable>
 #include <future>
@@ -176,7 +178,7 @@ const SGenICamFeature* rowOf(const TArray<SGenICamFeature>& rows, const char* na
 class tst_CGenICamController : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void connectsAndReadsTheWholeTree()
     {
         // The listener outlives the controller, whose destructor still tells it.
@@ -459,6 +461,46 @@ private slots:
         frames.controller = nullptr;
         controller.frameSource()->unsubscribe(&frames);
         QVERIFY(controller.connect(openDevice(), camera()));
+    }
+
+    // A camera whose pictures stop is lost: the listeners and the lost handler hear it once, with
+    // the same words, and the controller stays connected until disconnect().
+    void aCameraThatFallsSilentIsLost()
+    {
+        CTreeLog log;
+        CGenICamController controller;
+        controller.subscribe(&log);
+        std::mutex mutex;
+        QByteArrayList heard;
+        controller.setLostHandler([&](const CString& reason) {
+            const std::lock_guard lock(mutex);
+            heard << str(reason);
+        });
+        CFrames frames;
+        controller.frameSource()->subscribe(&frames);
+        const TSharedPtr<IDevice> device = openDevice();
+        QVERIFY(controller.connect(device, camera()));
+        QTRY_VERIFY_WITH_TIMEOUT(frames.frames() >= 2, 10000);
+        // The next picture of Aravis's fake camera is due in 6 s, beyond the 3 s after which a
+        // stream counts as dead. The controller's worker is idle: the test may use the device.
+        constexpr guint32 FramePeriodRegister = 0x138; // microseconds
+        auto* aravis = dynamic_cast<CAravisDevice*>(device.get());
+        QVERIFY(
+            arv_device_write_register(aravis->arvDevice(), FramePeriodRegister, 6000000, nullptr));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            [&] {
+                const std::lock_guard lock(mutex);
+                return !heard.isEmpty();
+            }(),
+            15000);
+        QVERIFY(controller.isConnected());
+        QVERIFY(!controller.hasControl());
+        const std::lock_guard lock(mutex);
+        QCOMPARE(heard.size(), 1);
+        QCOMPARE(heard.first(), str(controller.errorMessage()));
+        QVERIFY(log.events().contains("lost " + QString::fromUtf8(heard.first())));
+        controller.frameSource()->unsubscribe(&frames);
+        controller.disconnect();
     }
 
     void destroyedWhileConnected()

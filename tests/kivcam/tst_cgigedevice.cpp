@@ -176,7 +176,7 @@ private slots:
         QVERIFY(device.open(record("127.0.0.2"), false));
         std::mutex mutex;
         QByteArray heard;
-        device.SetLostHandler([&](const CString& message) {
+        device.setLostHandler([&](const CString& message) {
             std::lock_guard lock(mutex);
             heard += str(message);
         });

@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <grp.h>
+#include <mutex>
 #include <poll.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -75,6 +76,44 @@ private slots:
         QCOMPARE(::cfgetospeed(&settings), speed_t{B115200});
         QVERIFY(!(settings.c_lflag & ICANON));
         QCOMPARE(settings.c_cflag & CSIZE, tcflag_t{CS8});
+    }
+
+    // The other end of the pseudo-terminal closing is the port going away: the lost handler
+    // hears it, once, with the port's path; a closed port tells nothing.
+    void aPortThatHangsUpIsLost()
+    {
+        CSerialDevice device;
+        QVERIFY2(device.open(port(m_near), true), device.errorMessage().c_str());
+        std::mutex mutex;
+        QByteArrayList heard;
+        device.setLostHandler([&](const CString& reason) {
+            const std::lock_guard lock(mutex);
+            heard << str(reason);
+        });
+        m_socat.terminate();
+        QVERIFY(m_socat.waitForFinished(10000));
+        QTRY_VERIFY([&] {
+            const std::lock_guard lock(mutex);
+            return !heard.isEmpty();
+        }());
+        device.close();
+        const std::lock_guard lock(mutex);
+        QCOMPARE(heard.size(), 1);
+        QVERIFY2(
+            heard.first().startsWith("The serial port " + QFile::encodeName(m_near) + " went away"),
+            heard.first().constData());
+    }
+    void aClosedPortTellsNothing()
+    {
+        CSerialDevice device;
+        QVERIFY(device.open(port(m_near), true));
+        bool heard = false;
+        device.setLostHandler([&](const CString&) { heard = true; });
+        device.close();
+        m_socat.terminate();
+        QVERIFY(m_socat.waitForFinished(10000));
+        QTest::qWait(100);
+        QVERIFY(!heard);
     }
 
     void bytesGoBothWays()

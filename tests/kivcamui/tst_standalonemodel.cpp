@@ -76,6 +76,8 @@ public:
             [&] { m_log << "controller " + model.controllerName(); });
         QObject::connect(&model, &StandaloneModel::canSelectControllerChanged, &m_context,
             [&] { m_log << QStringLiteral("canSelectController"); });
+        QObject::connect(&model, &StandaloneModel::errorMessageChanged, &m_context,
+            [&] { m_log << "error: " + model.errorMessage(); });
     }
     QStringList take() { return std::exchange(m_log, {}); }
 
@@ -347,7 +349,8 @@ private slots:
         model.disconnect();
         QCOMPARE(log.take(), QStringList{});
         QCOMPARE(connectAndWait(model, emulated("K-2")),
-            (QStringList{"connecting", "connecting ended"}));
+            (QStringList{"connecting", "error: The device \"COM2\" on \"EmuSerial\" did not open.",
+                "connecting ended"}));
         log.take();
         model.disconnect();
         QCOMPARE(log.take(), QStringList{});
@@ -367,23 +370,38 @@ private slots:
         QTest::addColumn<QStringList>("signals");
         QTest::addColumn<QString>("controllerName");
 
-        const QStringList notOpened{"connecting", "connecting ended"};
-        QTest::newRow("device does not open") << emulated("K-2") << notOpened << QString();
+        const auto notOpened = [](const QString& why) {
+            return QStringList{"connecting", "error: " + why, "connecting ended"};
+        };
+        const auto refused = [](const QString& controller, const QString& why) {
+            return QStringList{
+                "connecting", "controller " + controller, "error: " + why, "connecting ended"};
+        };
+        QTest::newRow("device does not open")
+            << emulated("K-2") << notOpened("The device \"COM2\" on \"EmuSerial\" did not open.")
+            << QString();
         SCameraInfo nowhere = emulated("K-1");
         nowhere.comm.interfaceName = "Nowhere";
-        QTest::newRow("no transport serves the device") << nowhere << notOpened << QString();
+        QTest::newRow("no transport serves the device")
+            << nowhere
+            << notOpened("No transport \"Nowhere\" is there to reach the camera's device.")
+            << QString();
         SCameraInfo unknown = emulated("K-1");
         unknown.name = "NoSuchType";
-        QTest::newRow("camera type unknown") << unknown << notOpened << QString();
+        QTest::newRow("camera type unknown")
+            << unknown << notOpened("The camera type \"NoSuchType\" is unknown here.") << QString();
         QTest::newRow("controller fails")
-            << emulated("N-1") << QStringList{"connecting", "controller Nova", "connecting ended"}
+            << emulated("N-1")
+            << refused("Nova", "The camera N-1 did not answer the controller \"Refusing\".")
             << "Nova";
         QTest::newRow("camera refuses")
             << emulated("K-REFUSES")
-            << QStringList{"connecting", "controller Kelvin640", "connecting ended"} << "Kelvin640";
+            << refused(
+                   "Kelvin640", "The camera K-REFUSES did not answer the controller \"Generic\".")
+            << "Kelvin640";
         QTest::newRow("type without controller")
-            << emulated("O-1") << QStringList{"connecting", "controller Orphan", "connecting ended"}
-            << "Orphan";
+            << emulated("O-1")
+            << refused("Orphan", "The camera type \"Orphan\" has no controller here.") << "Orphan";
     }
     void connectFails()
     {
@@ -395,6 +413,47 @@ private slots:
         QVERIFY(!model.connecting());
         QCOMPARE(model.cameraModel() != nullptr, model.controllerName() == "Kelvin640");
     }
+    void aNewConnectClearsTheReason()
+    {
+        StandaloneModel model;
+        connectAndWait(model, emulated("K-2"));
+        QVERIFY(!model.errorMessage().isEmpty());
+        QCOMPARE(connectAndWait(model, emulated("K-1")),
+            (QStringList{
+                "connecting", "error: ", "controller Kelvin640", "connected", "connecting ended"}));
+        QCOMPARE(model.errorMessage(), QString());
+    }
+
+    // A camera lost while connected is taken down as disconnect() does it, with the reason said
+    // first; it can be connected again.
+    void aLostCameraIsDisconnectedWithItsReason()
+    {
+        StandaloneModel model;
+        QCOMPARE(connectAndWait(model, emulated("K-LOST")), connectedFirstTime);
+        CSignalLog log(model);
+        QTRY_VERIFY_WITH_TIMEOUT(!model.connected(), 10000);
+        QCOMPARE(
+            log.take(), QStringList{"error: The camera K-LOST stopped answering."} + disconnected);
+        QCOMPARE(model.controllerName(), QStringLiteral("Kelvin640"));
+        QCOMPARE(connectAndWait(model, emulated("K-LOST")),
+            (QStringList{"connecting", "error: ", "connected", "connecting ended"}));
+        QVERIFY(model.connected());
+    }
+
+    // A loss after its connection ended, or of a connection replaced since, says nothing.
+    void aLossOfAnEndedConnectionIsIgnored()
+    {
+        StandaloneModel model;
+        connectAndWait(model, emulated("K-LOST"));
+        model.disconnect();
+        QCOMPARE(connectAndWait(model, emulated("K-1")), connectedAgain);
+        CSignalLog log(model);
+        QTest::qWait(600);
+        QCOMPARE(log.take(), QStringList{});
+        QVERIFY(model.connected());
+        QCOMPARE(model.errorMessage(), QString());
+    }
+
     void failedConnectClosesTheDevice_data()
     {
         QTest::addColumn<SCameraInfo>("camera");
@@ -404,17 +463,30 @@ private slots:
         QTest::addColumn<int>("controllers");
 
         const SCameraInfo camera = probe::makeCamera("ProbeCam", "S-1");
+        // The probe's device and controller say nothing of their own: the model's words stand
+        // in for theirs.
         QTest::newRow("device does not open")
-            << camera << true << false << QStringList{"connecting", "connecting ended"} << 0;
+            << camera << true << false
+            << QStringList{"connecting",
+                   "error: The device \"P0\" of \"ProbeLink\" could not be opened.",
+                   "connecting ended"}
+            << 0;
         QTest::newRow("controller fails")
             << camera << false << true
-            << QStringList{"connecting", "controller ProbeCam", "connecting ended"} << 1;
+            << QStringList{"connecting", "controller ProbeCam",
+                   "error: The camera did not answer the controller \"Probe\".", "connecting ended"}
+            << 1;
         QTest::newRow("camera type unknown")
             << probe::makeCamera("NoSuchType", "S-1") << false << false
-            << QStringList{"connecting", "connecting ended"} << 0;
+            << QStringList{"connecting", "error: The camera type \"NoSuchType\" is unknown here.",
+                   "connecting ended"}
+            << 0;
         QTest::newRow("type without controller")
             << probe::makeCamera("ProbeOrphan", "S-1") << false << false
-            << QStringList{"connecting", "controller ProbeOrphan", "connecting ended"} << 0;
+            << QStringList{"connecting", "controller ProbeOrphan",
+                   "error: The camera type \"ProbeOrphan\" has no controller here.",
+                   "connecting ended"}
+            << 0;
     }
     void failedConnectClosesTheDevice()
     {
@@ -557,6 +629,7 @@ private slots:
         QTest::newRow("while the controller connects")
             << false
             << QStringList{"connecting", "controller ProbeCam", "controller ProbeCam2",
+                   "error: Another controller was chosen while the camera connected.",
                    "connecting ended"}
             << counts(0, 0, 0, 1);
     }
