@@ -1,4 +1,8 @@
+#include <kivcam/CCameras.h>
+#include <kivcam/CControllerFactory.h>
 #include <kivcam/CInterfaces.h>
+#include <kivcam/ICamera.h>
+#include <kivcam/IController.h>
 #include <kivcam/serial/CSerialDevice.h>
 
 #include <QProcess>
@@ -101,6 +105,40 @@ private slots:
         QCOMPARE(heard.size(), 1);
         QVERIFY2(
             heard.first().startsWith("The serial port " + QFile::encodeName(m_near) + " went away"),
+            heard.first().constData());
+    }
+    // A camera connected through the port is lost with it: its controller hears the port's
+    // words, and stays connected until disconnected.
+    void aConnectedCameraLosesItsPort()
+    {
+        const TSharedPtr<ICamera> type = cameras()->cameraByName("Jasper640");
+        QVERIFY(type);
+        const TSharedPtr<IController> controller
+            = controllerFactory()->createController(type->controller);
+        QVERIFY(controller);
+        const TSharedPtr<IDevice> device(new CSerialDevice);
+        QVERIFY2(device->open(port(m_near), true), device->errorMessage().c_str());
+        std::mutex mutex;
+        QByteArrayList heard;
+        controller->setLostHandler([&](const CString& reason) {
+            const std::lock_guard lock(mutex);
+            heard << str(reason);
+        });
+        SCameraInfo camera = type->defaultInfo;
+        camera.comm = device->info();
+        QVERIFY(controller->connect(device, camera));
+        m_socat.terminate();
+        QVERIFY(m_socat.waitForFinished(10000));
+        QTRY_VERIFY([&] {
+            const std::lock_guard lock(mutex);
+            return !heard.isEmpty();
+        }());
+        QVERIFY(controller->isConnected());
+        controller->disconnect();
+        device->close();
+        const std::lock_guard lock(mutex);
+        QCOMPARE(heard.size(), 1);
+        QVERIFY2(heard.first().startsWith("The serial port " + QFile::encodeName(m_near)),
             heard.first().constData());
     }
     void aClosedPortTellsNothing()
