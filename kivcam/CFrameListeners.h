@@ -5,8 +5,7 @@
 #include <kiv/TSharedPtr.h>
 #include <kivcam/IFrameListener.h>
 #include <kivcam/SCameraInfo.h>
-
-#include <mutex>
+#include <kivcam/TListeners.h>
 
 namespace kiv::cam {
 
@@ -28,14 +27,8 @@ public:
     void stopped();
 
 private:
-    // Calls call with each listener that is still subscribed at its turn and, with
-    // whileStreaming, as long as the stream runs. The caller holds m_mutex.
-    template <class Call> void forEachListener(bool whileStreaming, Call call);
-
-    // Held while listeners are called, so that unsubscribe waits for a call in progress;
-    // recursive, so that a listener may subscribe and unsubscribe from within its own call.
-    std::recursive_mutex m_mutex;
-    TArray<IFrameListener*> m_listeners;
+    // Their lock also guards the stream's state below.
+    TListeners<IFrameListener> m_listeners;
     SCameraInfo m_camera; // of the running stream
     bool m_streaming = false;
 };

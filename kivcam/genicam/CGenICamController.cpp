@@ -111,7 +111,7 @@ bool CGenICamController::Open(TSharedPtr<IDevice> device, const SCameraInfo& cam
         std::lock_guard lock(m_mutex);
         m_published = m_tree.rows();
     }
-    ForEachListener([](IGenICamListener* listener) { listener->treeChanged(); });
+    m_listeners.forEach([](IGenICamListener* listener) { listener->treeChanged(); });
     return true;
 }
 
@@ -145,7 +145,7 @@ void CGenICamController::Close()
         std::lock_guard lock(m_mutex);
         m_published = {};
     }
-    ForEachListener([](IGenICamListener* listener) { listener->treeChanged(); });
+    m_listeners.forEach([](IGenICamListener* listener) { listener->treeChanged(); });
 }
 
 bool CGenICamController::isConnected() const
@@ -370,7 +370,7 @@ void CGenICamController::Publish()
     }
     if (const SGenICamFeature* rate = m_tree.Find("AcquisitionFrameRate"))
         m_frames->setCameraRate(std::strtod(rate->value.data(), nullptr));
-    ForEachListener([&](IGenICamListener* listener) { listener->featuresChanged(changed); });
+    m_listeners.forEach([&](IGenICamListener* listener) { listener->featuresChanged(changed); });
 }
 
 void CGenICamController::Lost(const CString& message)
@@ -381,7 +381,7 @@ void CGenICamController::Lost(const CString& message)
     // Closing the device then leaves the rest of Aravis's farewell to the camera in the background.
     m_aravis->MarkLost();
     SetError(message);
-    ForEachListener([&](IGenICamListener* listener) { listener->connectionLost(message); });
+    m_listeners.forEach([&](IGenICamListener* listener) { listener->connectionLost(message); });
     reportLost(message);
 }
 
@@ -404,31 +404,12 @@ CString CGenICamController::errorMessage() const
 
 void CGenICamController::subscribe(IGenICamListener* listener)
 {
-    std::lock_guard lock(m_listenerMutex);
-    if (!m_listeners.contains(listener))
-        m_listeners.add(listener);
+    m_listeners.add(listener);
 }
 
 void CGenICamController::unsubscribe(IGenICamListener* listener)
 {
-    std::lock_guard lock(m_listenerMutex);
-    for (int i = 0; i < m_listeners.count(); ++i) {
-        if (m_listeners[i] == listener) {
-            m_listeners.removeAt(i);
-            return;
-        }
-    }
-}
-
-template <typename Call> void CGenICamController::ForEachListener(Call call)
-{
-    std::lock_guard lock(m_listenerMutex);
-    // A listener may unsubscribe itself or another from within its call.
-    const TArray<IGenICamListener*> listeners = m_listeners;
-    for (IGenICamListener* listener : listeners) {
-        if (m_listeners.contains(listener))
-            call(listener);
-    }
+    m_listeners.remove(listener);
 }
 
 } // namespace kiv::cam

@@ -3,6 +3,7 @@
 #include <kiv/CString.h>
 #include <kiv/TArray.h>
 #include <kivcam/IGenICamController.h>
+#include <kivcam/TListeners.h>
 #include <kivcam/genicam/CGenICamTree.h>
 #include <kivcam/genicam/CGenICamWorker.h>
 #include <kivcam/kivcam_export.h>
@@ -63,7 +64,6 @@ private:
     void Publish();
     void Lost(const CString& message);
     void SetError(CString message);
-    template <typename Call> void ForEachListener(Call call);
 
     // Only on the worker.
     TSharedPtr<IDevice> m_device;
@@ -81,10 +81,7 @@ private:
     std::atomic<bool> m_control{false};
     std::atomic<bool> m_acquiring{false};
 
-    // Held while listeners are called; recursive, so that a listener may unsubscribe from
-    // within its own call.
-    std::recursive_mutex m_listenerMutex;
-    TArray<IGenICamListener*> m_listeners;
+    TListeners<IGenICamListener> m_listeners;
 
     // Last, so that it ends first, while everything its tasks use is still there.
     CGenICamWorker m_worker;
