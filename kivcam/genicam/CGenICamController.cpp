@@ -244,11 +244,12 @@ void CGenICamController::refresh(Done done)
 
 SGenICamResult CGenICamController::WriteFitted(const char* name, std::int64_t value)
 {
+    // The limits of the moment: a write to the other feature of the axis moves them.
     ArvDevice* device = m_aravis->arvDevice();
-    m_tree.Refresh(device);
-    const SGenICamFeature* row = m_tree.Find(name);
-    const CString text = strprintf("%lld", static_cast<long long>(CGenICamTree::Fit(*row, value)));
-    if (row->value == text) {
+    SGenICamFeature row;
+    m_tree.ReadNow(device, name, row);
+    const CString text = strprintf("%lld", static_cast<long long>(CGenICamTree::Fit(row, value)));
+    if (row.value == text) {
         SGenICamResult unchanged;
         unchanged.ok = true;
         return unchanged;
@@ -261,7 +262,9 @@ SGenICamResult CGenICamController::WriteFitted(const char* name, std::int64_t va
 SGenICamResult CGenICamController::ApplyWindowAxis(
     const char* offsetName, const char* sizeName, std::int64_t offset, std::int64_t size)
 {
-    const std::int64_t current = integerOf(m_tree.Find(sizeName));
+    SGenICamFeature now;
+    m_tree.ReadNow(m_aravis->arvDevice(), sizeName, now);
+    const std::int64_t current = integerOf(&now);
     SGenICamResult result;
     result.ok = true;
     if (size < current)

@@ -428,6 +428,16 @@ void CGenICamTree::Refresh(ArvDevice* device)
         readState(nodeOf(device, row.name), row);
 }
 
+bool CGenICamTree::ReadNow(ArvDevice* device, const CString& name, SGenICamFeature& now) const
+{
+    const SGenICamFeature* row = Find(name);
+    if (!row)
+        return false;
+    now = *row;
+    readState(nodeOf(device, name), now);
+    return true;
+}
+
 TArray<SGenICamFeature> CGenICamTree::Changed(
     const TArray<SGenICamFeature>& before, const TArray<SGenICamFeature>& after)
 {
@@ -487,15 +497,13 @@ bool CGenICamTree::Check(const SGenICamFeature& feature, const CString& text, CS
 SGenICamResult CGenICamTree::Write(ArvDevice* device, const CString& name, const CString& text)
 {
     SGenICamResult result;
-    const SGenICamFeature* row = Find(name);
-    if (!row) {
+    // The rules of the moment, not of the last read.
+    SGenICamFeature now;
+    if (!ReadNow(device, name, now)) {
         result.message = strprintf("The camera has no feature \"%s\".", name.data());
         return result;
     }
-    // The rules of the moment, not of the last read.
     ArvGcNode* node = nodeOf(device, name);
-    SGenICamFeature now = *row;
-    readState(node, now);
     if (!Check(now, text, result.message))
         return result;
     GError* error = nullptr;

@@ -31,6 +31,9 @@ public:
 
     // Reads every row's state again.
     void Refresh(ArvDevice* device);
+    // The row of that name as the camera has it now (value, limits, access), read afresh for
+    // this one row; the tree keeps what it read last. False when the tree has no such row.
+    bool ReadNow(ArvDevice* device, const CString& name, SGenICamFeature& now) const;
     // The rows of after whose state differs from the same row of before (every row when the
     // two are not the same tree).
     static TArray<SGenICamFeature> Changed(
