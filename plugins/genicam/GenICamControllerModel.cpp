@@ -1,6 +1,7 @@
 #include "GenICamControllerModel.h"
 
 #include <kivcam/IFrameSource.h>
+#include <kivcamui/plugin/Conversions.h>
 #include <kivcamui/plugin/GuiRelay.h>
 
 #include <algorithm>
@@ -9,11 +10,6 @@
 namespace kiv::cam::ui {
 
 namespace {
-
-QString toQString(const CString& text)
-{
-    return QString::fromUtf8(text.data(), text.length());
-}
 
 // The value of an integer feature; 0 when the camera has none of that name.
 std::int64_t integerOf(const SGenICamFeature& row)
