@@ -39,8 +39,8 @@ std::pair<TSharedPtr<ICamera>, bool> CameraTypeOfModel(
     return {catalogue->cameraByName(genericType), false};
 }
 
-SCameraInfo FoundCameraInfo(const CString& vendor, const CString& model, const CString& genericType,
-    const SDeviceInfo& device)
+SCameraInfo FoundCameraInfo(const CString& vendor, const CString& model, const CString& serial,
+    const CString& userName, const CString& genericType, const SDeviceInfo& device)
 {
     const auto [type, known] = CameraTypeOfModel(model, genericType);
     SCameraInfo info = type ? type->defaultInfo : SCameraInfo();
@@ -58,6 +58,13 @@ SCameraInfo FoundCameraInfo(const CString& vendor, const CString& model, const C
         info.baseModel = model;
     info.vendor = vendor;
     info.model = model;
+    info.serial = serial;
+    info.identity = userName;
+    if (info.identity.empty()) {
+        info.identity = model.empty() ? vendor : model;
+        if (!serial.empty())
+            info.identity += (info.identity.empty() ? CString() : CString(" ")) + serial;
+    }
     info.comm = device;
     info.video = device;
     info.canConnect = device.canConnect;

@@ -22,10 +22,12 @@ std::pair<TSharedPtr<ICamera>, bool> CameraTypeOfModel(
     const CString& model, const CString& genericType);
 
 // The record of a found camera that is its own device, for control and images alike: its type's
-// template description with the type's name, icon and controller, the camera's vendor and model,
-// a display name of vendor and model unless the catalogue knows the model, and device as comm
-// and video, whose canConnect and reasons it takes. The transport fills in the rest.
-SCameraInfo FoundCameraInfo(const CString& vendor, const CString& model, const CString& genericType,
-    const SDeviceInfo& device);
+// template description with the type's name, icon and controller, the camera's vendor, model and
+// serial, a display name of vendor and model unless the catalogue knows the model, and device as
+// comm and video, whose canConnect and reasons it takes. Its identity is the camera's
+// user-defined name, or model and serial for a camera that has none, so that every list can
+// name it. The transport fills in the rest.
+SCameraInfo FoundCameraInfo(const CString& vendor, const CString& model, const CString& serial,
+    const CString& userName, const CString& genericType, const SDeviceInfo& device);
 
 } // namespace kiv::cam

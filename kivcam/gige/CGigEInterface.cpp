@@ -177,10 +177,8 @@ SDeviceInfo CGigEInterface::DeviceRecord(const SGigECamera& camera) const
 SCameraInfo CGigEInterface::CameraRecord(const SGigECamera& camera) const
 {
     const gvcp::SDiscoveryAck& found = camera.device;
-    SCameraInfo info
-        = FoundCameraInfo(found.manufacturer, found.model, GenericCameraType, DeviceRecord(camera));
-    info.serial = found.serial;
-    info.identity = found.userName;
+    SCameraInfo info = FoundCameraInfo(found.manufacturer, found.model, found.serial,
+        found.userName, GenericCameraType, DeviceRecord(camera));
     info.firmwareVersion = found.deviceVersion;
     return info;
 }

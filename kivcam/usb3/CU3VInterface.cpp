@@ -295,10 +295,8 @@ SDeviceInfo CU3VInterface::DeviceRecord(const SU3VCamera& camera) const
 
 SCameraInfo CU3VInterface::CameraRecord(const SU3VCamera& camera) const
 {
-    SCameraInfo info
-        = FoundCameraInfo(camera.vendor, camera.model, GenericCameraType, DeviceRecord(camera));
-    info.serial = camera.serial;
-    info.identity = camera.userName;
+    SCameraInfo info = FoundCameraInfo(camera.vendor, camera.model, camera.serial, camera.userName,
+        GenericCameraType, DeviceRecord(camera));
     info.firmwareVersion = camera.deviceVersion;
     return info;
 }

@@ -1,5 +1,7 @@
 #include "CustomCameraSelectorModel.h"
 
+#include "CustomCameraCheck.h"
+
 #include <kivcam/CCameras.h>
 #include <kivcam/CInterfaces.h>
 #include <kivcamui/device/DeviceWatch.h>
@@ -313,8 +315,16 @@ void CustomCameraSelectorModel::CreateCameraInfo(const SCameraInfo& record)
         m_cameraInfo->setParent(this);
         m_cameraInfo->deleteLater();
     }
-    m_cameraInfo = new CameraInfo(record, nullptr);
+    SCameraInfo checked = record;
+    checkCustomCamera(checked, m_selectedCameraIndex >= 0, m_useSameDevice);
+    m_cameraInfo = new CameraInfo(checked, nullptr);
     QJSEngine::setObjectOwnership(m_cameraInfo, QJSEngine::CppOwnership);
+    for (auto changed : {&CameraInfo::widthChanged, &CameraInfo::heightChanged,
+             &CameraInfo::cropLeftChanged, &CameraInfo::cropTopChanged,
+             &CameraInfo::cropRightChanged, &CameraInfo::cropBottomChanged,
+             &CameraInfo::adBitsChanged, &CameraInfo::adBitShiftChanged,
+             &CameraInfo::pixelTypeChanged, &CameraInfo::controllerChanged})
+        connect(m_cameraInfo, changed, this, &CustomCameraSelectorModel::recheck);
 
     // The description's devices get the level of a chosen placeholder, which lets the user
     // write the parameters that a device filled in by hand needs.
@@ -331,6 +341,18 @@ void CustomCameraSelectorModel::CreateCameraInfo(const SCameraInfo& record)
             m_cameraInfo->video()->setEditLevel(level);
     }
     emit cameraInfoChanged();
+}
+
+// The description's verdict is constant, as for every camera: an edit that changes it gives a
+// new description over the edited record.
+void CustomCameraSelectorModel::recheck()
+{
+    const SCameraInfo& edited = m_cameraInfo->info();
+    SCameraInfo checked = edited;
+    checkCustomCamera(checked, m_selectedCameraIndex >= 0, m_useSameDevice);
+    if (checked.canConnect != edited.canConnect || checked.errorSummary != edited.errorSummary
+        || checked.errorMessage != edited.errorMessage)
+        CreateCameraInfo(edited);
 }
 
 int CustomCameraSelectorModel::GetDeviceIndex(

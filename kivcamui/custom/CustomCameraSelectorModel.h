@@ -22,6 +22,12 @@ namespace kiv::cam::ui {
 // rebuilds cameraInfo after every choice; a replaced cameraInfo is deleted at the next turn of
 // the event loop, so QML follows cameraInfoChanged.
 //
+// The description says what keeps it from connecting: its canConnect, errorSummary and
+// errorMessage tell of a missing camera type or device, a device that cannot connect, and for
+// the custom type a missing controller or pixel type, an impossible frame size or crop, or AD
+// bits that the pixel type cannot hold. An edit of the description that changes that verdict
+// replaces the description, as a choice does.
+//
 // A device object may stand in several lists: one whose transport carries both control and video
 // is in commDevices, videoDevices and devices. A new search empties the lists and then deletes
 // every object they held, each once.
@@ -117,12 +123,13 @@ signals:
 
 private slots:
     void doneScanning();
+    void recheck();
 
 private:
     using DeviceWriter = void (*)(SCameraInfo& record, const SDeviceInfo& device);
 
     // Replaces cameraInfo by a new description over record, its devices at the level of the
-    // chosen ones, and announces it.
+    // chosen ones and with what keeps it from connecting, and announces it.
     void CreateCameraInfo(const SCameraInfo& record);
     // The first device of a list with these names, or -1.
     int GetDeviceIndex(const CString& interfaceName, const CString& deviceName) const;

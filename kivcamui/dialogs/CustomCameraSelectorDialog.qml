@@ -453,10 +453,38 @@ Dialog {
                 clip: true
 
                 Column {
+                    id: parameterColumn
                     readonly property var selector: cameraSelectorDlg.cameraSelector
                     readonly property var cameraInfo: selector.cameraInfo
 
                     width: parameterView.availableWidth
+
+                    // What keeps the description from connecting, said before Connect is
+                    // pressed; the description is replaced whenever that changes.
+                    Item {
+                        objectName: "cannotConnectMessage"
+                        visible: parent.cameraInfo !== null && !parent.cameraInfo.canConnect
+                        width: parent.width
+                        height: visible ? cannotConnectText.implicitHeight + 16 : 0
+                        Rectangle {
+                            width: 4
+                            height: parent.height
+                            color: "#ff6a00"
+                        }
+                        Label {
+                            id: cannotConnectText
+                            objectName: "cannotConnectText"
+                            x: 12
+                            y: 8
+                            width: parent.width - 20
+                            wrapMode: Text.Wrap
+                            textFormat: Text.PlainText
+                            text: parameterColumn.cameraInfo !== null
+                                  ? parameterColumn.cameraInfo.errorSummary + "\n"
+                                    + parameterColumn.cameraInfo.errorMessage
+                                  : ""
+                        }
+                    }
 
                     SectionHeader {
                         objectName: "cameraParametersHeader"

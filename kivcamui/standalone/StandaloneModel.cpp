@@ -31,6 +31,14 @@ struct StandaloneModel::SConnectAttempt {
     // opens the device of the record. A failure leaves its reason in error.
     bool OpenDevice()
     {
+        // A description that says it cannot connect, as a camera assembled by hand with a part
+        // missing does, is not tried.
+        if (!camera.canConnect) {
+            error = !camera.errorMessage.empty() ? toQString(camera.errorMessage)
+                : !camera.errorSummary.empty()   ? toQString(camera.errorSummary)
+                                               : QStringLiteral("The camera cannot be connected.");
+            return false;
+        }
         const TSharedPtr<IInterface> transport
             = interfaces()->interfaceByName(camera.comm.interfaceName);
         if (!transport) {
@@ -138,7 +146,22 @@ void StandaloneModel::setControllerName(const QString& name)
     if (!type)
         return;
     m_controllerName = name;
-    m_controller = controllerFactory()->createController(type->controller);
+    makeController(type->controller);
+}
+
+void StandaloneModel::selectCustomController(const CString& controller)
+{
+    if (m_controllerName.isEmpty() && m_controller && m_controller->name() == controller)
+        return;
+    delete m_cameraModel;
+    m_cameraModel = nullptr;
+    m_controllerName.clear();
+    makeController(controller);
+}
+
+void StandaloneModel::makeController(const CString& controller)
+{
+    m_controller = controllerFactory()->createController(controller);
     // When no creator accepts the controller, the model stays null and the QML file keeps its
     // text. The first call here is what loads the controller UI plugins.
     controllerModelFactory()->CreateModel(m_controller, this, &m_cameraModel, &m_controllerQml);
@@ -192,16 +215,25 @@ void StandaloneModel::finishedConnectWatcher()
         endConnecting(false);
         return;
     }
-    const QString type = toQString(m_attempt->camera.name);
-    setControllerName(type);
-    if (!m_controller) {
+    // The camera's own controller, never the one of the camera before: a camera type the
+    // catalogue does not know leaves the previous controller selected, and is not connected.
+    const SCameraInfo& camera = m_attempt->camera;
+    const QString type = toQString(camera.name);
+    if (type.isEmpty())
+        selectCustomController(camera.controller);
+    else
+        setControllerName(type);
+    const bool known = type.isEmpty() || type == m_controllerName;
+    if (!known || !m_controller) {
+        const QString controller = toQString(camera.controller);
         m_attempt->Abandon();
-        m_attempt.reset();
-        setErrorMessage(type.isEmpty()
-                ? QStringLiteral("The camera's description names no camera type.")
-                : cameras()->cameraByName(toCString(type))
+        m_attempt.reset(); // and camera with it
+        setErrorMessage(!known ? QStringLiteral("The camera type \"%1\" is unknown here.").arg(type)
+                : !type.isEmpty()
                 ? QStringLiteral("The camera type \"%1\" has no controller here.").arg(type)
-                : QStringLiteral("The camera type \"%1\" is unknown here.").arg(type));
+                : controller.isEmpty()
+                ? QStringLiteral("The camera's description names no camera type and no controller.")
+                : QStringLiteral("There is no controller \"%1\" here.").arg(controller));
         endConnecting(false);
         return;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <kiv/CString.h>
 #include <kiv/TSharedPtr.h>
 #include <kivcam/IController.h>
 #include <kivcam/IDevice.h>
@@ -23,8 +24,10 @@ class GuiRelay;
 // Qt's global thread pool: the first opens the camera's control device, then, on the GUI thread,
 // the controller of the camera's type is selected together with the panel that a controller UI
 // plugin supplies for it (cameraModel and controllerQml), and the second phase connects the
-// controller to the open device. disconnect() is synchronous. The selected controller and its
-// panel outlive a disconnect.
+// controller to the open device. A camera assembled by hand names no camera type, only a
+// controller: that controller is selected, and controllerName is empty while it is. A camera
+// whose description says it cannot connect (canConnect false) fails at once with its reason.
+// disconnect() is synchronous. The selected controller and its panel outlive a disconnect.
 //
 // Nobody waits for a running phase. A model destroyed meanwhile leaves the connect to its task,
 // which takes the camera down and closes the device when it ends; a connect whose controller was
@@ -108,6 +111,11 @@ private slots:
 private:
     struct SConnectAttempt;
 
+    // Selects the controller that a camera assembled by hand names, as the controller of no
+    // camera type (controllerName empty); the one selected already when it is that controller.
+    void selectCustomController(const CString& controller);
+    // Makes that controller and asks for its panel.
+    void makeController(const CString& controller);
     void endConnecting(bool connected);
     // The controller of that connection lost its camera.
     void lose(std::uint64_t connection, const QString& reason);

@@ -150,6 +150,8 @@ private slots:
         QCOMPARE(str(found[0].displayName), QByteArray("Drift 1280"));
         QCOMPARE(str(found[0].iconName), QByteArray("Drift"));
         QCOMPARE(found[0].width, std::uint16_t{1280});
+        // Without a user-defined name, the camera is known by its model and serial.
+        QCOMPARE(str(found[0].identity), QByteArray("Drift 1280 GE DR-1"));
     }
 
     void theCameraFinderListsThemAsConnectable()

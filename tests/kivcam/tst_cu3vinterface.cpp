@@ -160,7 +160,8 @@ private Q_SLOTS:
         QCOMPARE(str(camera.vendor), QByteArray("Acme"));
         QCOMPARE(str(camera.model), QByteArray("Model X"));
         QCOMPARE(str(camera.serial), QByteArray("SN-17"));
-        QCOMPARE(str(camera.identity), QByteArray());
+        // No user-defined name: the model and serial name the camera.
+        QCOMPARE(str(camera.identity), QByteArray("Model X SN-17"));
         const SDeviceInfo& comm = camera.comm;
         QCOMPARE(str(comm.interfaceName), QByteArray("USB3Vision"));
         QCOMPARE(str(comm.deviceName), QByteArray("2-1.4"));

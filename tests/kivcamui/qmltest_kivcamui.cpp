@@ -1,14 +1,16 @@
 // Runs the Qt Quick tests of the kivcamui module over an emulated world (each runner of this
 // source names its own folder and world), with a fixture that hands QML the objects the
 // library's models would make and a few file helpers. No controller UI plugin is loaded; a
-// creator of the test's own gives the "Thermal" controller a plain ControllerModel and the panel
-// data/ControllerPanel.qml.
+// creator of the test's own gives the "Thermal" controller a ControllerModel with the live
+// picture of the controller's stream, and the panel data/ControllerPanel.qml.
 
 #include <kivcam/CCameras.h>
+#include <kivcam/IController.h>
 #include <kivcamui/camera/CameraInfo.h>
 #include <kivcamui/plugin/ControllerModel.h>
 #include <kivcamui/plugin/IControllerModelFactory.h>
 #include <kivcamui/plugin/InitPlugin.h>
+#include <kivcamui/plugin/LivePicture.h>
 
 #include <QFile>
 #include <QQmlContext>
@@ -18,6 +20,7 @@
 #include <QtQuickTest>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 class Fixture : public QObject {
@@ -76,6 +79,28 @@ private:
     std::vector<std::unique_ptr<QTemporaryDir>> m_folders;
 };
 
+// The test's panel model: the base, and the live picture of its controller's stream, if the
+// controller has one. It keeps its controller, whose stream the picture reads.
+class PanelModel : public ControllerModel {
+    Q_OBJECT
+    Q_PROPERTY(kiv::cam::ui::LivePicture* live READ live CONSTANT)
+
+public:
+    PanelModel(kiv::TSharedPtr<kiv::cam::IController> controller, QObject* parent)
+        : ControllerModel(parent), m_controller(std::move(controller))
+    {
+        if (kiv::cam::IFrameSource* source = m_controller->frameSource())
+            m_live = new kiv::cam::ui::LivePicture(source, this);
+    }
+    // The picture leaves the stream before the controller can go.
+    ~PanelModel() override { delete m_live; }
+    kiv::cam::ui::LivePicture* live() const { return m_live; }
+
+private:
+    kiv::TSharedPtr<kiv::cam::IController> m_controller;
+    kiv::cam::ui::LivePicture* m_live = nullptr;
+};
+
 namespace {
 
 bool createPanel(kiv::TSharedPtr<kiv::cam::IController> controller, QObject* parent,
@@ -83,7 +108,7 @@ bool createPanel(kiv::TSharedPtr<kiv::cam::IController> controller, QObject* par
 {
     if (!controller || controller->name() != kiv::CString("Thermal"))
         return false;
-    *model = new ControllerModel(parent);
+    *model = new PanelModel(controller, parent);
     *qml = QUrl::fromLocalFile(KIVCAMUI_TEST_DATA "/ControllerPanel.qml").toString();
     return true;
 }

@@ -734,6 +734,112 @@ private slots:
         QVERIFY(current.isNull());
     }
 
+    void aDescriptionSaysWhatKeepsItFromConnecting()
+    {
+        auto model = scanned();
+        // A device before any camera type.
+        model->setSelectedDeviceIndex(GrabberPort0);
+        QVERIFY(!model->cameraInfo()->canConnect());
+        QCOMPARE(model->cameraInfo()->errorSummary(), QStringLiteral("No camera type"));
+        QCOMPARE(model->cameraInfo()->errorMessage(),
+            QStringLiteral("Choose a camera type, or Custom, from the list of cameras."));
+        // The custom type's template: no pixel type, no frame size.
+        model->setSelectedCameraIndex(CustomType);
+        CameraInfo* camera = model->cameraInfo();
+        QVERIFY(!camera->canConnect());
+        QCOMPARE(camera->errorSummary(), QStringLiteral("No Pixel Type"));
+        QCOMPARE(camera->errorMessage(),
+            QStringLiteral("Choose the Pixel Type of the camera's pictures. Width and Height must "
+                           "be at least 1 pixel; they are 0 and 0."));
+        // Nothing chosen at all.
+        model->setSelectedDeviceIndex(-1);
+        QCOMPARE(model->cameraInfo()->errorSummary(), QStringLiteral("No device"));
+        QVERIFY(model->cameraInfo()->errorMessage().startsWith(
+            QStringLiteral("Choose the device that the camera is connected to. Choose the Pixel")));
+    }
+
+    void editsThatChangeTheVerdictReplaceTheDescription()
+    {
+        auto model = scanned();
+        model->setSelectedCameraIndex(CustomType);
+        model->setSelectedDeviceIndex(GrabberPort0);
+        SignalLog log(model.get());
+        CameraInfo* camera = model->cameraInfo();
+        // An edit that leaves the verdict as it is keeps the description.
+        camera->setIdentity(QStringLiteral("Bench"));
+        camera->setCropLeft(2);
+        QCOMPARE(log.take(), QStringList());
+        QCOMPARE(model->cameraInfo(), camera);
+
+        camera->setPixelTypeIndex(camera->pixelTypeNames().indexOf(QStringLiteral("Mono16")));
+        QCOMPARE(log.take(), QStringList{"cameraInfoChanged"});
+        camera = model->cameraInfo();
+        QCOMPARE(camera->errorSummary(), QStringLiteral("No frame size"));
+        // The edits so far are in the new description.
+        QCOMPARE(camera->identity(), QStringLiteral("Bench"));
+        QCOMPARE(camera->pixelTypeName(), QStringLiteral("Mono16"));
+        camera->setWidth(640);
+        camera = model->cameraInfo();
+        camera->setHeight(480);
+        camera = model->cameraInfo();
+        QCOMPARE(log.take(), (QStringList{"cameraInfoChanged", "cameraInfoChanged"}));
+        QCOMPARE(camera->errorSummary(), QStringLiteral("AD Bits out of range"));
+        QCOMPARE(
+            camera->errorMessage(), QStringLiteral("AD Bits must be 1 to 16 for Mono16; it is 0."));
+        camera->setADBits(12);
+        camera = model->cameraInfo();
+        QVERIFY(camera->canConnect());
+        QCOMPARE(camera->errorSummary(), QString());
+        QCOMPARE(camera->errorMessage(), QString());
+        QCOMPARE(log.take(), QStringList{"cameraInfoChanged"});
+        // The right place for those bits, and the wrong one.
+        camera->setADBitShift(4);
+        QCOMPARE(log.take(), QStringList());
+        camera->setADBitShift(5);
+        camera = model->cameraInfo();
+        QCOMPARE(camera->errorMessage(),
+            QStringLiteral("AD Bit Shift must be 0 to 4 for 12 AD Bits of Mono16; it is 5."));
+        camera->setADBitShift(0);
+        camera = model->cameraInfo();
+        camera->setCropRight(638);
+        camera = model->cameraInfo();
+        QCOMPARE(camera->errorSummary(), QStringLiteral("Crop too large"));
+        camera->setCropRight(637);
+        camera = model->cameraInfo();
+        QVERIFY(camera->canConnect());
+        camera->setController(QStringLiteral("Missing"));
+        camera = model->cameraInfo();
+        QCOMPARE(camera->errorSummary(), QStringLiteral("No Controller"));
+        QCOMPARE(camera->errorMessage(),
+            QStringLiteral("There is no Controller \"Missing\" here; choose one from the list."));
+        // The replaced descriptions go at the next turn of the event loop.
+        QPointer<CameraInfo> replaced = camera;
+        camera->setController(QStringLiteral("Thermal"));
+        QVERIFY(model->cameraInfo()->canConnect());
+        runDeferredDeletes();
+        QVERIFY(replaced.isNull());
+    }
+
+    void aDeviceThatCannotConnectSaysSo()
+    {
+        auto model = scanned();
+        model->setSelectedCameraIndex(Mistral320);
+        model->setUseSameDevice(false);
+        model->setSelectedCommDeviceIndex(Com3);
+        CameraInfo* camera = model->cameraInfo();
+        QVERIFY(!camera->canConnect());
+        QCOMPARE(camera->errorSummary(), QStringLiteral("Device cannot connect"));
+        QCOMPARE(camera->errorMessage(),
+            QStringLiteral("Another program holds COM3; close it and search again."));
+        // A camera type's own template is the camera library's: only the devices are checked
+        // (Mistral320 leaves its AD bits at 0 in this world), and a video device is optional.
+        model->setSelectedCommDeviceIndex(Com1);
+        QVERIFY(model->cameraInfo()->canConnect());
+        QCOMPARE(model->cameraInfo()->adBits(), 0);
+        model->setSelectedCommDeviceIndex(-1);
+        QCOMPARE(model->cameraInfo()->errorSummary(), QStringLiteral("No Communications Device"));
+    }
+
     void viewsFollowRescans()
     {
         // Real list views over the four lists, with delegates that read their devices, while

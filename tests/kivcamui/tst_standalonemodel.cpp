@@ -487,6 +487,29 @@ private slots:
                    "error: The camera type \"ProbeOrphan\" has no controller here.",
                    "connecting ended"}
             << 0;
+        SCameraInfo refused = probe::makeCamera("ProbeCam", "S-1");
+        refused.canConnect = false;
+        refused.errorSummary = "No Pixel Type";
+        refused.errorMessage = "Choose the Pixel Type of the camera's pictures.";
+        QTest::newRow("description cannot connect")
+            << refused << false << false
+            << QStringList{"connecting", "error: Choose the Pixel Type of the camera's pictures.",
+                   "connecting ended"}
+            << 0;
+        SCameraInfo custom = probe::makeCamera("", "S-1");
+        custom.controller = "NoSuchController";
+        QTest::newRow("custom camera, unknown controller")
+            << custom << false << false
+            << QStringList{"connecting", "controller ",
+                   "error: There is no controller \"NoSuchController\" here.", "connecting ended"}
+            << 0;
+        custom.controller = CString();
+        QTest::newRow("custom camera, no controller")
+            << custom << false << false
+            << QStringList{"connecting", "controller ",
+                   "error: The camera's description names no camera type and no controller.",
+                   "connecting ended"}
+            << 0;
     }
     void failedConnectClosesTheDevice()
     {
@@ -500,6 +523,39 @@ private slots:
         QVERIFY(!model.connected());
         QFETCH(int, controllers);
         QCOMPARE(probeCounts(), counts(0, 0, 0, controllers));
+    }
+    void theControllerOfTheCameraBeforeIsNeverUsed()
+    {
+        StandaloneModel model;
+        QCOMPARE(connectAndWait(model, probe::makeCamera("ProbeCam", "S-1")),
+            (QStringList{"connecting", "controller ProbeCam", "connected", "connecting ended"}));
+        // A camera type nobody knows is not connected through the controller still selected.
+        QCOMPARE(connectAndWait(model, probe::makeCamera("NoSuchType", "S-2")),
+            (QStringList{"disconnecting", "disconnected", "disconnecting ended", "connecting",
+                "error: The camera type \"NoSuchType\" is unknown here.", "connecting ended"}));
+        QVERIFY(!model.connected());
+        QCOMPARE(probeCounts(), counts(0, 0, 0, 1));
+
+        // A camera assembled by hand gets the controller it names, as no camera type's.
+        SCameraInfo custom = probe::makeCamera("", "S-3");
+        custom.controller = "Probe";
+        QCOMPARE(connectAndWait(model, custom),
+            (QStringList{"connecting", "error: ", "controller ", "connected", "connecting ended"}));
+        QCOMPARE(model.controllerName(), QString());
+        QCOMPARE(model.controllerIndex(), -1);
+        QCOMPARE(probeCounts(), counts(1, 1, 1, 1));
+        // Again: the same controller, kept.
+        QCOMPARE(connectAndWait(model, custom),
+            (QStringList{"disconnecting", "disconnected", "disconnecting ended", "connecting",
+                "connected", "connecting ended"}));
+        QCOMPARE(probeCounts(), counts(1, 1, 1, 1));
+        // Then a camera type of the same controller: that type's own controller.
+        QCOMPARE(connectAndWait(model, probe::makeCamera("ProbeCam", "S-4")),
+            (QStringList{"disconnecting", "disconnected", "disconnecting ended", "connecting",
+                "controller ProbeCam", "connected", "connecting ended"}));
+        QCOMPARE(model.controllerName(), QStringLiteral("ProbeCam"));
+        QCOMPARE(probeCounts(), counts(1, 1, 1, 1));
+        model.disconnect();
     }
     void theCameraGetsItsOpenDeviceAndRecord()
     {

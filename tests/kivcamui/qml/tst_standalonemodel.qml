@@ -84,10 +84,15 @@ Item {
             const host = createTemporaryObject(hostComponent, root)
             const model = host.standalone
             const camera = fixture.makeCamera()
+            // Within the sensor of the emulated camera on COM1.
+            camera.width = 320
+            camera.height = 256
             model.connect(camera)
             compare(model.connecting, true)
             compare(host.panel.status, Loader.Null)
-            tryCompare(model, "connected", true, 10000)
+            tryCompare(model, "connecting", false, 10000)
+            compare(model.errorMessage, "")
+            compare(model.connected, true)
             compare(model.connecting, false)
             compare(model.controllerName, "Kelvin640")
             compare(host.panel.status, Loader.Ready)

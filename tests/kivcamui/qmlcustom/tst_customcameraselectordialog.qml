@@ -417,27 +417,28 @@ Item {
         function test_cameraParametersEditTheDescription() {
             const dialog = openedDialog()
             chooseCamera(dialog, custom)
-            const camera = dialog.cameraSelector.cameraInfo
+            // An edit that changes what the description lacks replaces it: read it anew each time.
+            const camera = () => dialog.cameraSelector.cameraInfo
             typeInto(part(dialog, "identityField"), "Bench")
-            compare(camera.identity, "Bench")
+            compare(camera().identity, "Bench")
             typeInto(part(dialog, "widthField"), "800")
-            compare(camera.width, 800)
+            compare(camera().width, 800)
             typeInto(part(dialog, "adBitsField"), "12")
-            compare(camera.adBits, 12)
-            compare(part(dialog, "heightField").text, String(camera.height))
+            compare(camera().adBits, 12)
+            compare(part(dialog, "heightField").text, String(camera().height))
 
             const controller = part(dialog, "controllerCombo")
             compare(controller.count, 2)
-            compare(controller.currentIndex, camera.controllerIndex)
+            compare(controller.currentIndex, camera().controllerIndex)
             controller.forceActiveFocus()
             keyClick(Qt.Key_Down)
-            compare(camera.controller, "Thermal")
+            compare(camera().controller, "Thermal")
             const pixelType = part(dialog, "pixelTypeCombo")
-            compare(pixelType.count, camera.pixelTypeNames.length)
+            compare(pixelType.count, camera().pixelTypeNames.length)
             pixelType.forceActiveFocus()
             keyClick(Qt.Key_Down)
-            compare(camera.pixelTypeIndex, pixelType.currentIndex)
-            compare(camera.pixelTypeName, camera.pixelTypeNames[pixelType.currentIndex])
+            compare(camera().pixelTypeIndex, pixelType.currentIndex)
+            compare(camera().pixelTypeName, camera().pixelTypeNames[pixelType.currentIndex])
         }
 
         function test_messagesOfTheParameterLists() {
@@ -560,6 +561,157 @@ Item {
             chooseCamera(dialog, mistral)
             compare(dialog.cameraSelector.selectedDeviceIndex, -1)
             compare(list.currentIndex, -1)
+        }
+
+        // Fills in the custom type's camera parameters as a user does: the controller and the
+        // pixel type from their lists, the numbers typed in.
+        function describeCustomCamera(dialog, controller, pixelType, width, height, adBits) {
+            const camera = () => dialog.cameraSelector.cameraInfo
+            const controllers = part(dialog, "controllerCombo")
+            const controllerIndex = camera().controllerNames.indexOf(controller)
+            controllers.currentIndex = controllerIndex
+            controllers.activated(controllerIndex)
+            const pixelTypes = part(dialog, "pixelTypeCombo")
+            const pixelTypeIndex = camera().pixelTypeNames.indexOf(pixelType)
+            pixelTypes.currentIndex = pixelTypeIndex
+            pixelTypes.activated(pixelTypeIndex)
+            typeInto(part(dialog, "widthField"), String(width))
+            typeInto(part(dialog, "heightField"), String(height))
+            typeInto(part(dialog, "adBitsField"), String(adBits))
+            compare(camera().controller, controller)
+            compare(camera().pixelTypeName, pixelType)
+            compare(camera().width, width)
+            compare(camera().height, height)
+            compare(camera().adBits, adBits)
+        }
+
+        // Connects what the dialog holds through the model, as the host does on accepted().
+        function connectThrough(dialog, standalone) {
+            const connect = () => standalone.connect(dialog.cameraSelector.cameraInfo)
+            dialog.accepted.connect(connect)
+            mouseClick(button(dialog, "connectButton"))
+            dialog.accepted.disconnect(connect)
+            tryCompare(standalone, "connecting", false, 10000)
+        }
+
+        function makeStandalone() {
+            return createTemporaryQmlObject("import kivcamui 1.0; StandaloneModel {}", root)
+        }
+
+        function test_aCustomCameraSaysWhatIsMissingUntilItIsRight() {
+            const dialog = openedDialog()
+            const message = part(dialog, "cannotConnectMessage")
+            compare(message.visible, false)
+            chooseCamera(dialog, custom)
+            compare(message.visible, true)
+            compare(part(dialog, "cannotConnectText").text,
+                    "No device\nChoose the device that the camera is connected to. Choose the "
+                    + "Pixel Type of the camera's pictures. Width and Height must be at least 1 "
+                    + "pixel; they are 0 and 0.")
+            chooseDevice(dialog, "deviceList", "Grabber/Port 0")
+            verify(part(dialog, "cannotConnectText").text.startsWith("No Pixel Type\n"))
+            describeCustomCamera(dialog, "Thermal", "Mono16", 640, 480, 0)
+            compare(dialog.cameraSelector.cameraInfo.canConnect, false)
+            compare(part(dialog, "cannotConnectText").text,
+                    "AD Bits out of range\nAD Bits must be 1 to 16 for Mono16; it is 0.")
+            typeInto(part(dialog, "adBitsField"), "14")
+            compare(dialog.cameraSelector.cameraInfo.canConnect, true)
+            compare(message.visible, false)
+        }
+
+        function test_aCustomCameraThatCannotConnectIsRefusedWithItsReason() {
+            const standalone = makeStandalone()
+            const dialog = openedDialog()
+            chooseCamera(dialog, custom)
+            chooseDevice(dialog, "deviceList", "Grabber/Port 0")
+            describeCustomCamera(dialog, "Thermal", "Mono16", 0, 480, 16)
+            const reason = dialog.cameraSelector.cameraInfo.errorMessage
+            compare(reason, "Width and Height must be at least 1 pixel; they are 0 and 480.")
+            connectThrough(dialog, standalone)
+            compare(standalone.connected, false)
+            compare(standalone.errorMessage, reason)
+            // Nothing was tried: no controller was chosen.
+            compare(standalone.controllerName, "")
+            compare(standalone.cameraModel, null)
+        }
+
+        function test_aCustomCameraConnectsInAFreshSession() {
+            const standalone = makeStandalone()
+            const dialog = openedDialog()
+            chooseCamera(dialog, custom)
+            chooseDevice(dialog, "deviceList", "Grabber/Port 0")
+            describeCustomCamera(dialog, "Thermal", "Mono16", 640, 480, 16)
+            connectThrough(dialog, standalone)
+            compare(standalone.errorMessage, "")
+            compare(standalone.connected, true)
+            // The controller the description names, as the controller of no camera type.
+            compare(standalone.controllerName, "")
+            compare(standalone.controllerIndex, -1)
+            verify(standalone.cameraModel)
+            compare(standalone.cameraModel.live.imageFormat, "640 x 480, Mono16, 16 bits")
+            tryVerify(() => standalone.cameraModel.live.frameCount > 0, 10000)
+            standalone.disconnect()
+        }
+
+        function test_theCameraBeforeDoesNotDecide() {
+            const standalone = makeStandalone()
+            const dialog = openedDialog()
+            // A camera type whose controller ("Generic") has no panel here.
+            chooseCamera(dialog, mistral)
+            useTwoDevices(dialog)
+            chooseDevice(dialog, "commDeviceList", "ComPorts/COM1")
+            connectThrough(dialog, standalone)
+            compare(standalone.connected, true)
+            compare(standalone.controllerName, "Mistral320")
+            compare(standalone.cameraModel, null)
+
+            // Then a custom camera with the "Thermal" controller: its own controller and panel.
+            openAndWait(dialog)
+            chooseCamera(dialog, custom)
+            chooseDevice(dialog, "commDeviceList", "Grabber/Port 0")
+            describeCustomCamera(dialog, "Thermal", "Mono16", 640, 480, 16)
+            connectThrough(dialog, standalone)
+            compare(standalone.connected, true)
+            compare(standalone.controllerName, "")
+            const customPanel = standalone.cameraModel
+            verify(customPanel)
+            compare(customPanel.live.imageFormat, "640 x 480, Mono16, 16 bits")
+            tryVerify(() => customPanel.live.frameCount > 0, 10000)
+
+            // Then a camera type of the same controller: the type's own controller and panel.
+            openAndWait(dialog)
+            chooseCamera(dialog, kelvin)
+            chooseDevice(dialog, "commDeviceList", "Grabber/Port 1")
+            connectThrough(dialog, standalone)
+            compare(standalone.connected, true)
+            compare(standalone.controllerName, "Kelvin640")
+            verify(standalone.cameraModel)
+            verify(standalone.cameraModel !== customPanel)
+            compare(standalone.cameraModel.live.imageFormat, "640 x 512, Mono14, 14 bits")
+            standalone.disconnect()
+        }
+
+        function test_theSameControllerTwiceWithDifferentFrameSizes() {
+            const standalone = makeStandalone()
+            const dialog = openedDialog()
+            chooseCamera(dialog, custom)
+            chooseDevice(dialog, "deviceList", "Grabber/Port 0")
+            describeCustomCamera(dialog, "Thermal", "Mono16", 640, 480, 16)
+            connectThrough(dialog, standalone)
+            compare(standalone.connected, true)
+            const panel = standalone.cameraModel
+            tryVerify(() => panel.live.frameCount > 0, 10000)
+
+            openAndWait(dialog)
+            chooseDevice(dialog, "deviceList", "Grabber/Port 0")
+            describeCustomCamera(dialog, "Thermal", "Mono8", 320, 240, 8)
+            connectThrough(dialog, standalone)
+            compare(standalone.connected, true)
+            // The same controller and panel, streaming the new size.
+            compare(standalone.cameraModel, panel)
+            compare(panel.live.imageFormat, "320 x 240, Mono8, 8 bits")
+            tryVerify(() => panel.live.frameCount > 0, 10000)
+            standalone.disconnect()
         }
     }
 }
