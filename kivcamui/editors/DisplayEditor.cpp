@@ -148,9 +148,10 @@ void DisplayEditor::mousePressEvent(QMouseEvent* event)
     }
     event->accept();
     forceActiveFocus();
+    StartTracking();
     m_offsetAtPress = m_offset;
     m_pressPoint = VisibleToReal(roundPoint(event->position()));
-    StartTracking();
+    grabMouse();
 }
 
 void DisplayEditor::mouseMoveEvent(QMouseEvent* event)

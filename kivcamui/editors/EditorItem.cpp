@@ -42,7 +42,6 @@ void EditorItem::StartTracking()
 {
     m_tracking = true;
     emit trackingChanged();
-    grabMouse();
 }
 
 void EditorItem::mouseReleaseEvent(QMouseEvent* event)

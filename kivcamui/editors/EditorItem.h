@@ -45,7 +45,8 @@ protected:
     // they stored it.
     static bool StoreSize(QSize& field, QSize size);
     static bool StoreIncrement(QPoint& field, QPoint increment);
-    // Starts a drag: tracking, announced, with the mouse grabbed.
+    // Starts a drag: tracking, announced. A handler of trackingChanged() may still change the
+    // editor's value; the caller then remembers where the drag starts and grabs the mouse.
     void StartTracking();
     PreviewPainter& Preview() { return m_preview; }
 

@@ -279,9 +279,10 @@ void WindowEditor::mousePressEvent(QMouseEvent* event)
     m_activeCP = CPHitTest(position);
     if (m_activeCP == None)
         return;
+    StartTracking();
     m_windowAtPress = m_window;
     m_pressPoint = VisibleToReal(position);
-    StartTracking();
+    grabMouse();
 }
 
 void WindowEditor::mouseMoveEvent(QMouseEvent* event)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QSignalSpy>
 #include <QTest>
@@ -21,10 +22,15 @@ public:
         int paints = 0;
     };
 
+    // The cursor of the window's content, which the window shows wherever the item has no
+    // cursor of its own: an item's unset cursor is told apart from an arrow it sets.
+    static constexpr Qt::CursorShape NoItemCursor = Qt::CrossCursor;
+
     // The window leaves room around the item for drags that go past it.
     explicit EditorScene(QSize itemSize)
     {
         window.setColor(Qt::black);
+        window.contentItem()->setCursor(NoItemCursor);
         window.resize(itemSize + QSize(160, 120));
         editor = new CountingEditor;
         editor->setParentItem(window.contentItem());
@@ -64,13 +70,23 @@ public:
         move(to);
         release(to);
     }
-    // The cursor after hovering at a point; the mouse first goes next to it, as a move to where
-    // the mouse already is would not reach the item.
+    // The cursor the window shows after hovering at a point: the item's own, or NoItemCursor
+    // where it has none. The mouse first goes next to the point, as a move to where the mouse
+    // already is would not reach the item.
     Qt::CursorShape hoverCursor(QPoint at)
     {
         move(at + QPoint(1, 1));
         move(at);
-        return editor->cursor().shape();
+        return window.cursor().shape();
+    }
+    // The cursor the item was left with, as the window shows it over the item at a point while
+    // the item does not answer the hover: its own, or NoItemCursor when it unset it.
+    Qt::CursorShape cursorLeftOn(QPoint at)
+    {
+        editor->setAcceptHoverEvents(false);
+        const Qt::CursorShape shape = hoverCursor(at);
+        editor->setAcceptHoverEvents(true);
+        return shape;
     }
 
     QQuickWindow window;

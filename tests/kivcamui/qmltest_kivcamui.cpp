@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QQmlContext>
 #include <QQmlEngine>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QUrl>
 #include <QtQuickTest>
@@ -59,6 +60,11 @@ public:
     }
     Q_INVOKABLE int recordWidth(kiv::cam::ui::CameraInfo* camera) { return camera->info().width; }
 
+    // Where the application keeps its local data, as a path.
+    Q_INVOKABLE QString appLocalDataDir()
+    {
+        return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    }
     // A new empty folder, as a file URL; removed when the fixture goes.
     Q_INVOKABLE QString tempDirUrl()
     {

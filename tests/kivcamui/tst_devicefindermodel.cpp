@@ -233,13 +233,16 @@ private slots:
         for (int i = 0; i < 5; ++i) {
             auto* model = new DeviceFinderModel;
             model->setSupportedDevices({"Grabber", "ComPorts"});
-            QSignalSpy scanning(model, &DeviceFinderModel::scanningChanged);
             model->scan();
             QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
-            QCOMPARE(scanning.count(), 1);
+            // Ended in the pool, not yet taken: still searching, nothing listed.
+            QVERIFY(model->scanning());
+            QCOMPARE(model->devices()->size(), 0);
             delete model;
         }
         QThreadPool::globalInstance()->waitForDone();
+        // What the searches posted finds no model to tell.
+        QCoreApplication::sendPostedEvents();
     }
     void controlPreset()
     {

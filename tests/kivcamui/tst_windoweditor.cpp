@@ -144,8 +144,8 @@ private slots:
         QTest::newRow("BottomLeft") << bottomLeft << int(Qt::SizeBDiagCursor);
         QTest::newRow("Move") << inside << int(Qt::SizeAllCursor);
         // Just outside the handles' 10 x 10 squares.
-        QTest::newRow("None above Top") << QPoint(200, 94) << int(Qt::ArrowCursor);
-        QTest::newRow("None outside") << QPoint(500, 400) << int(Qt::ArrowCursor);
+        QTest::newRow("None above Top") << QPoint(200, 94) << int(Scene::NoItemCursor);
+        QTest::newRow("None outside") << QPoint(500, 400) << int(Scene::NoItemCursor);
     }
     void hoverCursors()
     {
@@ -157,7 +157,6 @@ private slots:
         // From a handle, so that a miss must unset the cursor again.
         QCOMPARE(scene.hoverCursor(QPoint(104, 104)), Qt::SizeFDiagCursor);
         QCOMPARE(int(scene.hoverCursor(at)), cursor);
-        QCOMPARE(scene.window.cursor().shape(), Qt::CursorShape(cursor));
     }
     void hoverHitsEdgesIncluded()
     {
@@ -167,7 +166,7 @@ private slots:
         // The Top handle covers (195, 95) to (204, 104), both corners included.
         QCOMPARE(scene.hoverCursor(QPoint(195, 95)), Qt::SizeVerCursor);
         QCOMPARE(scene.hoverCursor(QPoint(204, 104)), Qt::SizeVerCursor);
-        QCOMPARE(scene.hoverCursor(QPoint(194, 95)), Qt::ArrowCursor);
+        QCOMPARE(scene.hoverCursor(QPoint(194, 95)), Scene::NoItemCursor);
         QCOMPARE(scene.hoverCursor(QPoint(205, 104)), Qt::SizeAllCursor);
     }
     void edgesBeatCornersAndHandlesBeatMove()
@@ -193,8 +192,9 @@ private slots:
         setUpSensor(scene);
         QVERIFY(scene.show());
         QCOMPARE(scene.hoverCursor(inside), Qt::SizeAllCursor);
-        QCOMPARE(scene.hoverCursor(QPoint(700, 580)), Qt::ArrowCursor);
-        QCOMPARE(scene.window.cursor().shape(), Qt::ArrowCursor);
+        QCOMPARE(scene.hoverCursor(QPoint(700, 580)), Scene::NoItemCursor);
+        // Left without a cursor of its own, not with the move cursor.
+        QCOMPARE(scene.cursorLeftOn(inside), Scene::NoItemCursor);
     }
 
     // Increment (4, 2): edges and sizes snap to the nearest step, halves away from zero.
@@ -577,7 +577,7 @@ private slots:
         // The Right handle (145, 70, 10, 10) shows at (290, 140, 20, 20).
         QCOMPARE(scene.hoverCursor(QPoint(290, 140)), Qt::SizeHorCursor);
         QCOMPARE(scene.hoverCursor(QPoint(309, 159)), Qt::SizeHorCursor);
-        QCOMPARE(scene.hoverCursor(QPoint(311, 150)), Qt::ArrowCursor);
+        QCOMPARE(scene.hoverCursor(QPoint(311, 150)), Scene::NoItemCursor);
         // Pressed at (300, 150), sensor (150, 75); at 311 the sensor x is 155.5, so 156.
         scene.press(QPoint(300, 150));
         scene.move(QPoint(311, 150));
@@ -645,6 +645,28 @@ private slots:
         scene.move(right + QPoint(60, 0));
         QCOMPARE(changed.count(), 0);
         QCOMPARE(scene.window.mouseGrabberItem(), nullptr);
+    }
+
+    void theDragStartsWhereTheTrackingHandlerLeftTheWindow()
+    {
+        // The press announces tracking before it remembers the window: a handler that moves
+        // the window then is where the drag starts, and the mouse is not grabbed yet.
+        Scene scene(QSize(640, 512));
+        setUpSensor(scene);
+        QVERIFY(scene.show());
+        QQuickItem* grabberDuringSignal = scene.editor;
+        QObject::connect(scene.editor, &WindowEditor::trackingChanged, scene.editor, [&] {
+            if (!scene.editor->tracking())
+                return;
+            grabberDuringSignal = scene.window.mouseGrabberItem();
+            scene.editor->setWindow(QRect(100, 100, 240, 100));
+        });
+        scene.press(right);
+        QCOMPARE(grabberDuringSignal, nullptr);
+        QCOMPARE(scene.window.mouseGrabberItem(), scene.editor);
+        scene.move(right + QPoint(20, 0));
+        QCOMPARE(scene.editor->window(), QRect(100, 100, 260, 100));
+        scene.release(right + QPoint(20, 0));
     }
 
     void pressGrabsTheMouse()
@@ -881,10 +903,10 @@ private slots:
         QVERIFY(scene.show());
         QCOMPARE(scene.hoverCursor(QPoint(146, 96)), Qt::SizeVerCursor);
         QCOMPARE(scene.hoverCursor(QPoint(155, 105)), Qt::SizeVerCursor);
-        QCOMPARE(scene.hoverCursor(QPoint(145, 100)), Qt::ArrowCursor);
-        QCOMPARE(scene.hoverCursor(QPoint(156, 100)), Qt::ArrowCursor);
-        QCOMPARE(scene.hoverCursor(QPoint(150, 95)), Qt::ArrowCursor);
-        QCOMPARE(scene.hoverCursor(QPoint(150, 106)), Qt::ArrowCursor);
+        QCOMPARE(scene.hoverCursor(QPoint(145, 100)), Scene::NoItemCursor);
+        QCOMPARE(scene.hoverCursor(QPoint(156, 100)), Scene::NoItemCursor);
+        QCOMPARE(scene.hoverCursor(QPoint(150, 95)), Scene::NoItemCursor);
+        QCOMPARE(scene.hoverCursor(QPoint(150, 106)), Scene::NoItemCursor);
         scene.press(QPoint(155, 105));
         QVERIFY(scene.editor->tracking());
         scene.release(QPoint(155, 105));
@@ -896,7 +918,7 @@ private slots:
         setUpSensor(scene, QRect(220, 206, 200, 100));
         scene.editor->setCenteredOnly(true);
         QVERIFY(scene.show());
-        QCOMPARE(scene.hoverCursor(QPoint(320, 256)), Qt::ArrowCursor);
+        QCOMPARE(scene.hoverCursor(QPoint(320, 256)), Scene::NoItemCursor);
         QSignalSpy tracking(scene.editor, &WindowEditor::trackingChanged);
         scene.drag(QPoint(320, 256), QPoint(340, 266));
         QCOMPARE(tracking.count(), 0);
@@ -982,24 +1004,29 @@ private slots:
 
     void survivesNonsense()
     {
-        // Sizes and positions no sensor has are drawn and hit-tested as far as they go,
-        // without a crash or a hang.
+        // Sizes and positions no sensor has are painted, in the next frame, and hit-tested as
+        // far as they go, without a crash or a hang.
         Scene scene(QSize(320, 256));
         QVERIFY(scene.show());
-        scene.editor->setMaxSize(QSize(INT_MAX, INT_MAX));
-        scene.editor->setWindow(QRect(0, 0, INT_MAX, INT_MAX));
-        QVERIFY(!scene.grab().isNull());
+        QCOMPARE(scene.paintsAfter([&] {
+            scene.editor->setMaxSize(QSize(INT_MAX, INT_MAX));
+            scene.editor->setWindow(QRect(0, 0, INT_MAX, INT_MAX));
+        }),
+            1);
         QCOMPARE(scene.hoverCursor(QPoint(100, 100)), Qt::SizeAllCursor);
-        scene.editor->setMaxSize(QSize(1, 1));
-        scene.editor->setWindow(QRect(2000000000, 2000000000, 100000000, 100000000));
-        scene.editor->setFullSize(QSize(-5, -5));
-        scene.editor->setSubWindowPosition(QPoint(2000000000, -2000000000));
-        scene.editor->setIsSubWindow(true);
+        QCOMPARE(scene.paintsAfter([&] {
+            scene.editor->setMaxSize(QSize(1, 1));
+            scene.editor->setWindow(QRect(2000000000, 2000000000, 100000000, 100000000));
+            scene.editor->setFullSize(QSize(-5, -5));
+            scene.editor->setSubWindowPosition(QPoint(2000000000, -2000000000));
+            scene.editor->setIsSubWindow(true);
+        }),
+            1);
         QVERIFY(!scene.editor->isWindowValid());
-        QVERIFY(!scene.grab().isNull());
-        QCOMPARE(scene.hoverCursor(QPoint(100, 100)), Qt::ArrowCursor);
+        QCOMPARE(scene.hoverCursor(QPoint(100, 100)), Scene::NoItemCursor);
+        // An item of no size is not painted, and the window goes on rendering.
         scene.editor->setSize(QSizeF(0, 0));
-        QVERIFY(!scene.grab().isNull());
+        QVERIFY(scene.renderFrame());
     }
 
     // Painting, checked on the window's pixels.

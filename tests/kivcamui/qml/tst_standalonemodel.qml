@@ -53,7 +53,9 @@ Item {
         function test_configDirIsAFileUrl() {
             const model = createTemporaryObject(modelComponent, root)
             verify(model.configDir.startsWith("file:///"), model.configDir)
-            compare(model.configDir.indexOf("\\"), -1)
+            // The application's local data folder, written as a URL.
+            compare(decodeURIComponent(model.configDir.substring("file://".length)),
+                    fixture.appLocalDataDir())
         }
 
         function test_controllerFromQml() {
