@@ -1,5 +1,6 @@
 #include "CEmulatorController.h"
 
+#include <kiv/CVariant.h>
 #include <kiv/strprintf.h>
 
 #include <chrono>
@@ -8,6 +9,26 @@
 #include <utility>
 
 namespace kiv::cam {
+
+namespace {
+
+// The sensor of a control device without a camera of the world on it: a free slot.
+constexpr int freeSlotSensorSize = 4096;
+
+bool sameDevice(const SDeviceInfo& a, const SDeviceInfo& b)
+{
+    return a.interfaceName == b.interfaceName && a.deviceName == b.deviceName;
+}
+
+// The device in messages for people.
+CString deviceLabel(const SDeviceInfo& device)
+{
+    return device.deviceName.empty()
+        ? strprintf("the device entered by hand on \"%s\"", device.interfaceName.data())
+        : strprintf("\"%s\"", device.deviceName.data());
+}
+
+} // namespace
 
 CEmulatorController::CEmulatorController(
     CEmulatorWorld::SController settings, TSharedPtr<const CEmulatorWorld> world)
@@ -29,8 +50,16 @@ bool CEmulatorController::connect(TSharedPtr<IDevice> device, SCameraInfo camera
         SetError("The camera's device is not open.");
         return false;
     }
+    // A device entered by hand is the device that it opened as.
+    const SDeviceInfo reached = camera.comm.deviceName.empty() ? device->info() : camera.comm;
+    CEmulatorScene::EPattern pattern = CEmulatorScene::EPattern::Gradient;
+    CString refusal = PictureRefusal(reached, camera, pattern);
+    if (!refusal.empty()) {
+        SetError(std::move(refusal));
+        return false;
+    }
     std::this_thread::sleep_for(std::chrono::milliseconds(m_settings.connectDelay));
-    const SEmulatedCamera* emulated = m_world->emulatedCamera(camera);
+    const SEmulatedCamera* emulated = m_world->emulatedCamera(reached, camera.serial);
     if (m_settings.connectFails || (emulated && emulated->connectFails)) {
         SetError(strprintf("The camera %s did not answer the controller \"%s\".",
             camera.serial.data(), m_settings.name.data()));
@@ -38,7 +67,7 @@ bool CEmulatorController::connect(TSharedPtr<IDevice> device, SCameraInfo camera
     }
     // Connected before the first image, which a listener may answer with a disconnect.
     m_connected = true;
-    if (!m_frames.start(camera)) {
+    if (!m_frames.start(camera, pattern)) {
         m_connected = false;
         SetError("The camera's pictures cannot be made.");
         return false;
@@ -59,6 +88,68 @@ bool CEmulatorController::connect(TSharedPtr<IDevice> device, SCameraInfo camera
         });
     }
     return true;
+}
+
+CString CEmulatorController::PictureRefusal(
+    const SDeviceInfo& reached, SCameraInfo& camera, CEmulatorScene::EPattern& pattern) const
+{
+    // The finder edits only the control device's parameters, so a camera whose pictures come
+    // through its control device takes them from there.
+    const SDeviceInfo& carrier = camera.video.empty() || sameDevice(camera.video, camera.comm)
+        ? camera.comm
+        : camera.video;
+    const CParameters& parameters = carrier.parameters;
+    if (parameters.Exists("FrameRate")) {
+        const CVariant& given = parameters["FrameRate"].value();
+        CVariant rate(CVariant::TYPE_DOUBLE);
+        const bool number = rate.Assign(given);
+        if (!number || !(rate.ToDouble() > 0 && rate.ToDouble() <= IFrameSource::maxFrameRate))
+            return strprintf(number ? "The frame rate %s Hz of %s is not possible; choose a rate "
+                                      "above 0 and at most %g Hz."
+                                    : "The frame rate \"%s\" of %s is not a number; choose a "
+                                      "rate above 0 and at most %g Hz.",
+                given.ToString().data(), deviceLabel(carrier).data(), IFrameSource::maxFrameRate);
+        camera.frameRate = rate.ToDouble();
+    }
+    if (parameters.Exists("Pattern")) {
+        const CString name = parameters["Pattern"].value().ToString();
+        if (!CEmulatorScene::PatternFromName(name, pattern))
+            return strprintf("The test pattern \"%s\" of %s is not one the emulator draws; "
+                             "choose Gradient, Noise or Bars.",
+                name.data(), deviceLabel(carrier).data());
+    }
+
+    // A record that describes no pictures at all is a camera reached for control alone.
+    if (camera.pixelType.isNull() && camera.width == 0 && camera.height == 0)
+        return {};
+    if (!CEmulatorScene::CanDraw(camera.pixelType))
+        return camera.pixelType.isNull()
+            ? CString("The camera description gives no pixel type, so the emulator cannot draw "
+                      "its pictures; choose one, such as Mono16.")
+            : strprintf("The pixel type %s cannot be drawn by the emulator; choose one of the "
+                        "camera library's pixel types, such as Mono16.",
+                camera.pixelType.ToString().data());
+    int sensorWidth = freeSlotSensorSize;
+    int sensorHeight = freeSlotSensorSize;
+    CString sensor;
+    const SEmulatedCamera* on = m_world->cameraOn(reached, camera.serial);
+    const TSharedPtr<ICamera> type = on ? m_world->cameraType(on->info.name) : nullptr;
+    if (type && type->defaultInfo.width > 0 && type->defaultInfo.height > 0) {
+        sensorWidth = type->defaultInfo.width;
+        sensorHeight = type->defaultInfo.height;
+        sensor = strprintf("the %d x %d sensor of the camera on %s", sensorWidth, sensorHeight,
+            deviceLabel(reached).data());
+    } else {
+        sensor
+            = strprintf("the %d x %d sensor of an emulated camera slot", sensorWidth, sensorHeight);
+    }
+    const bool empty = camera.width == 0 || camera.height == 0;
+    if (empty || camera.width > sensorWidth || camera.height > sensorHeight)
+        return strprintf(empty ? "The frame %d x %d has no pixels for %s; make it at least 1 x 1 "
+                                 "and at most %d x %d."
+                               : "The frame %d x %d does not fit %s; make it at most %d x %d.",
+            camera.width, camera.height, sensor.data(), sensorWidth, sensorHeight);
+    return {};
 }
 
 void CEmulatorController::disconnect()

@@ -13,9 +13,11 @@
 namespace kiv::cam {
 
 // A controller of the emulator's world; its faults, and its cameras', come from the world. While
-// connected it streams the camera's images through its frame source. The camera is lost when
-// its device reports itself gone, or, for a camera of the world with lostAfter, that long after
-// the connect: its pictures stop and the lost handler hears why.
+// connected it streams the camera's images through its frame source, in the test pattern and at
+// the frame rate that the device carrying the pictures gives (its parameters "Pattern" and
+// "FrameRate"), in a frame that fits the sensor of the world's camera on the control device.
+// The camera is lost when its device reports itself gone, or, for a camera of the world with
+// lostAfter, that long after the connect: its pictures stop and the lost handler hears why.
 class CEmulatorController : public IEmulatorController {
 public:
     CEmulatorController(
@@ -31,6 +33,11 @@ public:
     bool runNuc() override;
 
 private:
+    // Why the camera's pictures cannot be made as its record and the device carrying them say;
+    // empty when they can, with the device's frame rate in camera and its test pattern in
+    // pattern. reached is the control device the camera is reached through.
+    CString PictureRefusal(
+        const SDeviceInfo& reached, SCameraInfo& camera, CEmulatorScene::EPattern& pattern) const;
     // The camera is gone: its pictures stop, once, and the lost handler hears it.
     void Lose(const CString& reason);
     void SetError(CString message);

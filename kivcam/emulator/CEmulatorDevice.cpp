@@ -7,8 +7,10 @@
 namespace kiv::cam {
 
 CEmulatorDevice::CEmulatorDevice(
-    CString interfaceName, TSharedPtr<const TArray<SEmulatedDevice>> devices)
-    : m_interfaceName(std::move(interfaceName)), m_devices(std::move(devices))
+    CString interfaceName, CString displayName, TSharedPtr<const TArray<SEmulatedDevice>> devices)
+    : m_interfaceName(std::move(interfaceName)),
+      m_displayName(std::move(displayName)),
+      m_devices(std::move(devices))
 {
 }
 
@@ -23,13 +25,18 @@ bool CEmulatorDevice::open(SDeviceInfo info, bool)
     return true;
 }
 
-CString CEmulatorDevice::Refusal(const SDeviceInfo& info) const
+CString CEmulatorDevice::Refusal(SDeviceInfo& info) const
 {
     if (m_open)
         return "The device is open already.";
     if (info.interfaceName != m_interfaceName)
         return strprintf("The device \"%s\" is a device of \"%s\", not of \"%s\".",
             info.deviceName.data(), info.interfaceName.data(), m_interfaceName.data());
+    if (info.deviceName.empty()) {
+        CString refusal = Identify(info);
+        if (!refusal.empty() || info.deviceName.empty())
+            return refusal;
+    }
     const SEmulatedDevice* device = FindEmulatedDevice(*m_devices, info.deviceName);
     if (!device)
         return strprintf("There is no device \"%s\" on \"%s\" now.", info.deviceName.data(),
@@ -42,6 +49,34 @@ CString CEmulatorDevice::Refusal(const SDeviceInfo& info) const
     if (device->openFails)
         return strprintf("The device \"%s\" on \"%s\" did not open.", info.deviceName.data(),
             m_interfaceName.data());
+    return {};
+}
+
+CString CEmulatorDevice::Identify(SDeviceInfo& info) const
+{
+    const auto fixedOnAFoundDevice = [this](const CString& name) {
+        for (const SEmulatedDevice& device : *m_devices) {
+            if (device.info.parameters.Exists(name)
+                && device.info.parameters[name].editLevel != CParameters::EDIT_ALWAYS)
+                return true;
+        }
+        return false;
+    };
+    for (unsigned i = 0; i < info.parameters.count(); ++i) {
+        const CParameters::CEntry& entry = info.parameters[i];
+        if (entry.editLevel != CParameters::EDIT_ALWAYS || !fixedOnAFoundDevice(entry.name))
+            continue;
+        const CString value = entry.value().ToString();
+        for (const SEmulatedDevice& device : *m_devices) {
+            if (device.info.parameters.Exists(entry.name)
+                && device.info.parameters.TextOf(entry.name) == value) {
+                info.deviceName = device.info.deviceName;
+                return {};
+            }
+        }
+        return strprintf(
+            "No emulated device on \"%s\" answers at \"%s\".", m_displayName.data(), value.data());
+    }
     return {};
 }
 

@@ -51,7 +51,7 @@ bool CEmulatorFrameSource::setFrameRate(double rate)
     return true;
 }
 
-bool CEmulatorFrameSource::start(const SCameraInfo& camera)
+bool CEmulatorFrameSource::start(const SCameraInfo& camera, CEmulatorScene::EPattern pattern)
 {
     if (onStreamThread())
         return false;
@@ -63,7 +63,7 @@ bool CEmulatorFrameSource::start(const SCameraInfo& camera)
         m_rateChanged = false;
         m_rate = camera.frameRate > 0 ? std::min(camera.frameRate, maxFrameRate) : defaultFrameRate;
         m_hasNuc = camera.hasNucMask;
-        m_scene = std::make_unique<CEmulatorScene>(camera);
+        m_scene = std::make_unique<CEmulatorScene>(camera, pattern);
     }
     m_listeners.started(camera);
     m_thread = std::thread(&CEmulatorFrameSource::run, this);

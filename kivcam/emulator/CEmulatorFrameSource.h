@@ -30,10 +30,11 @@ public:
     double frameRate() const override;
     bool setFrameRate(double rate) override;
 
-    // Starts the stream of that camera, after stopping one that runs: the listeners hear
-    // streamStarted, then images follow at the camera's rate (defaultFrameRate when its record
-    // gives none, maxFrameRate at most). False, starting nothing, from within a listener's call.
-    bool start(const SCameraInfo& camera);
+    // Starts the stream of that camera in that test pattern, after stopping one that runs: the
+    // listeners hear streamStarted, then images follow at the camera's rate (defaultFrameRate
+    // when its record gives none, maxFrameRate at most). False, starting nothing, from within a
+    // listener's call.
+    bool start(const SCameraInfo& camera, CEmulatorScene::EPattern pattern);
     // Stops the stream, if one runs: the listeners hear streamStopped, and once this returns no
     // listener call is running or will be made (but the caller's own, when called from within
     // a listener's call; the stream's thread then ends as that call returns).

@@ -22,7 +22,8 @@ CEmulatorInterface::CEmulatorInterface() : m_devices(MakeShared<TArray<SEmulated
 
 TSharedPtr<IDevice> CEmulatorInterface::createDevice()
 {
-    return TSharedPtr<IDevice>(new CEmulatorDevice(name, m_devices));
+    return TSharedPtr<IDevice>(
+        new CEmulatorDevice(name, displayName.empty() ? name : displayName, m_devices));
 }
 
 bool CEmulatorInterface::findDevices(TArray<SDeviceInfo>& out, std::stop_token stop)
@@ -80,11 +81,23 @@ const SEmulatedDevice* CEmulatorInterface::device(const CString& deviceName) con
 const SEmulatedCamera* CEmulatorInterface::camera(
     const CString& deviceName, const CString& serial) const
 {
+    const SEmulatedCamera* found = cameraOn(deviceName, serial);
+    return found && found->info.serial == serial ? found : nullptr;
+}
+
+const SEmulatedCamera* CEmulatorInterface::cameraOn(
+    const CString& deviceName, const CString& serial) const
+{
+    const SEmulatedCamera* first = nullptr;
     for (const SEmulatedCamera& camera : m_cameras) {
-        if (camera.info.comm.deviceName == deviceName && camera.info.serial == serial)
+        if (camera.info.comm.deviceName != deviceName)
+            continue;
+        if (camera.info.serial == serial)
             return &camera;
+        if (!first)
+            first = &camera;
     }
-    return nullptr;
+    return first;
 }
 
 bool CEmulatorInterface::scan(const std::stop_token& stop) const

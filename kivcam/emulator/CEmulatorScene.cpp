@@ -8,6 +8,7 @@
 #include <functional>
 #include <numbers>
 #include <string_view>
+#include <utility>
 
 namespace kiv::cam {
 
@@ -21,6 +22,13 @@ constexpr float pixelPatternLevel = 0.012f;
 constexpr double patternBuildUp = 60; // seconds from a NUC until the fixed pattern is back
 constexpr double objectHeat = 0.45;
 constexpr double celsiusZero = 273.15;
+// The "Noise" pattern: a flat field at half scale under noise that shows.
+constexpr float midGrey = 0.5f;
+constexpr float fieldNoise = 0.12f;
+// The "Bars" pattern: bars from dark to bright, moving right by one bar's width a second.
+constexpr int barCount = 8;
+constexpr float darkestBar = 0.1f;
+constexpr float brightestBar = 0.9f;
 
 struct SRgb {
     std::uint8_t r, g, b;
@@ -66,10 +74,32 @@ void significantBits(const SCameraInfo& camera, int sampleBits, int& bits, int& 
 
 } // namespace
 
-CEmulatorScene::CEmulatorScene(const SCameraInfo& camera)
+bool CEmulatorScene::PatternFromName(const CString& name, EPattern& pattern)
+{
+    constexpr std::array<std::pair<std::string_view, EPattern>, 3> names{{
+        {"Gradient", EPattern::Gradient},
+        {"Noise", EPattern::Noise},
+        {"Bars", EPattern::Bars},
+    }};
+    for (const auto& [text, value] : names) {
+        if (name.view() == text) {
+            pattern = value;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool CEmulatorScene::CanDraw(const SGuid& pixelType)
+{
+    return !PixelTypeToString(pixelType).empty();
+}
+
+CEmulatorScene::CEmulatorScene(const SCameraInfo& camera, EPattern pattern)
     : m_width(camera.width),
       m_height(camera.height),
       m_pixelType(camera.pixelType),
+      m_pattern(pattern),
       m_random(std::hash<std::string_view>()(camera.serial.view()) | 1),
       m_patternSince(-patternBuildUp)
 {
@@ -78,7 +108,7 @@ CEmulatorScene::CEmulatorScene(const SCameraInfo& camera)
     const EDataType dataType = PixelTypeToDataType(m_pixelType);
     const int sampleBits = 8 * DataTypeSize(dataType);
     m_channels = PixelTypeToChannelCount(m_pixelType);
-    if (m_width < 1 || m_height < 1 || name.empty()) {
+    if (m_width < 1 || m_height < 1 || !CanDraw(m_pixelType)) {
         m_kind = EKind::None;
     } else if (type.starts_with("Bayer")) {
         m_kind = EKind::Bayer;
@@ -185,19 +215,51 @@ TSharedPtr<CImage> CEmulatorScene::render(double seconds)
 
 void CEmulatorScene::renderLine(int y, double seconds)
 {
+    renderBackground(y, seconds);
     const float pattern
         = static_cast<float>(std::clamp((seconds - m_patternSince) / patternBuildUp, 0.0, 1.0));
-    const float rowBase = 0.2f + 0.15f * static_cast<float>(y) / static_cast<float>(m_height);
-    const float slope = 0.25f / static_cast<float>(m_width);
+    const float noise = m_pattern == EPattern::Noise ? fieldNoise : temporalNoise;
     const std::uint32_t first = static_cast<std::uint32_t>(y) * static_cast<std::uint32_t>(m_width);
     for (int x = 0; x < m_width; ++x) {
         const std::uint32_t i = first + static_cast<std::uint32_t>(x);
         const float fixed = m_columnPattern[x] + pixelPatternLevel * m_noise[i & noiseMask];
-        m_line[x] = rowBase + slope * static_cast<float>(x) + pattern * fixed
-            + temporalNoise * m_noise[(i + m_noiseOffset) & noiseMask];
+        m_line[x] = m_line[x] + pattern * fixed + noise * m_noise[(i + m_noiseOffset) & noiseMask];
     }
+    if (m_pattern == EPattern::Gradient)
+        addWarmObject(y);
+}
 
-    // The warm object: a round spot, hottest at its centre.
+void CEmulatorScene::renderBackground(int y, double seconds)
+{
+    switch (m_pattern) {
+    case EPattern::Gradient: {
+        const float rowBase = 0.2f + 0.15f * static_cast<float>(y) / static_cast<float>(m_height);
+        const float slope = 0.25f / static_cast<float>(m_width);
+        for (int x = 0; x < m_width; ++x)
+            m_line[x] = rowBase + slope * static_cast<float>(x);
+        break;
+    }
+    case EPattern::Noise:
+        std::fill(m_line.begin(), m_line.end(), midGrey);
+        break;
+    case EPattern::Bars: {
+        const double shift = std::fmod(seconds * m_width / barCount, m_width);
+        for (int x = 0; x < m_width; ++x) {
+            double position = x - shift;
+            if (position < 0)
+                position += m_width;
+            const int bar = std::min(barCount - 1, static_cast<int>(position * barCount / m_width));
+            m_line[x] = darkestBar
+                + (brightestBar - darkestBar) * static_cast<float>(bar) / (barCount - 1);
+        }
+        break;
+    }
+    }
+}
+
+void CEmulatorScene::addWarmObject(int y)
+{
+    // A round spot, hottest at its centre.
     const double radius = std::min(m_width, m_height) / 6.0;
     const double dy = (y - m_objectY) / radius;
     if (std::abs(dy) >= 1)

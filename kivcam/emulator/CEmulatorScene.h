@@ -11,14 +11,22 @@
 
 namespace kiv::cam {
 
-// What an emulated camera sees: a warm object drifting over a gradient, with temporal noise and
-// the fixed pattern that its sensor lays over every image, made in the camera's size, pixel type
+// What an emulated camera sees, in one of its test patterns: a warm object drifting over a
+// gradient, a flat mid-grey field, or bars that move sideways; each with temporal noise and the
+// fixed pattern that its sensor lays over every image, made in the camera's size, pixel type
 // and bit depth. Integer samples span the camera's adBits (moved up by adBitShift), float
 // samples are temperatures in kelvin (10 to 50 degrees Celsius), colour cameras see the scene
 // through a thermal palette.
 class CEmulatorScene {
 public:
-    explicit CEmulatorScene(const SCameraInfo& camera);
+    enum class EPattern { Gradient, Noise, Bars };
+
+    CEmulatorScene(const SCameraInfo& camera, EPattern pattern);
+
+    // The pattern of that name ("Gradient", "Noise", "Bars"); false for another name.
+    static bool PatternFromName(const CString& name, EPattern& pattern);
+    // Whether the scene can draw images of that pixel type.
+    static bool CanDraw(const SGuid& pixelType);
 
     // The image at that time into the stream; empty when the camera's record describes no image
     // (no size, a pixel type that is not one) or storage cannot be had. One thread at a time.
@@ -31,6 +39,8 @@ private:
     enum class EKind { None, Unsigned, Signed, Float, Rgb, Bayer, Yuv };
 
     void renderLine(int y, double seconds);
+    void renderBackground(int y, double seconds);
+    void addWarmObject(int y);
     template <typename T> void encodeUnsigned(T* out) const;
     template <typename T> void encodeSigned(T* out) const;
     template <typename T> void encodeFloat(T* out) const;
@@ -42,6 +52,7 @@ private:
     int m_width;
     int m_height;
     SGuid m_pixelType;
+    EPattern m_pattern;
     EKind m_kind = EKind::None;
     int m_bits = 0; // significant bits of an integer sample
     int m_shift = 0;

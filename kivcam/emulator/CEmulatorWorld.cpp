@@ -381,10 +381,18 @@ TSharedPtr<CEmulatorInterface> CEmulatorWorld::interfaceByName(const CString& na
     return transport ? *transport : TSharedPtr<CEmulatorInterface>();
 }
 
-const SEmulatedCamera* CEmulatorWorld::emulatedCamera(const SCameraInfo& camera) const
+const SEmulatedCamera* CEmulatorWorld::emulatedCamera(
+    const SDeviceInfo& device, const CString& serial) const
 {
-    const TSharedPtr<CEmulatorInterface> transport = interfaceByName(camera.comm.interfaceName);
-    return transport ? transport->camera(camera.comm.deviceName, camera.serial) : nullptr;
+    const TSharedPtr<CEmulatorInterface> transport = interfaceByName(device.interfaceName);
+    return transport ? transport->camera(device.deviceName, serial) : nullptr;
+}
+
+const SEmulatedCamera* CEmulatorWorld::cameraOn(
+    const SDeviceInfo& device, const CString& serial) const
+{
+    const TSharedPtr<CEmulatorInterface> transport = interfaceByName(device.interfaceName);
+    return transport ? transport->cameraOn(device.deviceName, serial) : nullptr;
 }
 
 } // namespace kiv::cam

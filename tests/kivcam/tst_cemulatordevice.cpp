@@ -2,6 +2,7 @@
 
 #include <kivcam/CInterfaces.h>
 #include <kivcam/IDevice.h>
+#include <kivcam/emulator/CEmulatorWorld.h>
 
 #include <QTest>
 
@@ -21,6 +22,11 @@ private:
     static SDeviceInfo record(const char* transport, const char* name)
     {
         return byName(devicesOf(transport), transport, name);
+    }
+    // The built-in world, apart from the process's.
+    static TSharedPtr<const CEmulatorWorld> builtInWorld()
+    {
+        return CEmulatorWorld::LoadFile(":/kivcam/DefaultWorld.xml");
     }
 
 private slots:
@@ -105,8 +111,88 @@ private slots:
         QCOMPARE(str(device->errorMessage()),
             QByteArray("The device \"COM1\" is a device of \"Emu\", not of \"SlowSerial\"."));
         QVERIFY(!device->open(record("Emu", "Emu 0"), false));
-        QVERIFY(!device->open(interfaces()->interfaceByName("SlowSerial")->defaultDevice, false));
         QVERIFY(!device->isOpen());
+    }
+
+    // A transport whose devices have no identifying parameter (SlowSerial's have none) opens a
+    // record entered by hand as a free slot, named by nothing.
+    void recordEnteredByHandWithoutAnAddressOpensAFreeSlot()
+    {
+        SDeviceInfo byHand = interfaces()->interfaceByName("SlowSerial")->defaultDevice;
+        byHand.parameters["BaudRate"].setValue("9600");
+        const TSharedPtr<IDevice> device = create("SlowSerial");
+        QVERIFY(device->open(byHand, false));
+        QVERIFY(device->info().deviceName.empty());
+        QCOMPARE(str(device->info().interfaceName), QByteArray("SlowSerial"));
+        QCOMPARE(str(device->info().parameters["BaudRate"].value().ToString()), QByteArray("9600"));
+    }
+
+    // In the built-in world, a port or an address entered by hand names the found device that
+    // carries it: the record opens as that device, with its own parameter values.
+    void recordEnteredByHandOpensTheDeviceItNames_data()
+    {
+        QTest::addColumn<QByteArray>("transport");
+        QTest::addColumn<QByteArray>("parameter");
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<QByteArray>("deviceName");
+        QTest::newRow("port") << QByteArray("EmuSerial") << QByteArray("Control")
+                              << QByteArray("COM3") << QByteArray("COM3");
+        QTest::newRow("address") << QByteArray("EmuEthernet") << QByteArray("Address")
+                                 << QByteArray("192.168.10.22") << QByteArray("192.168.10.22");
+        QTest::newRow("bus position") << QByteArray("EmuUSB") << QByteArray("Control")
+                                      << QByteArray("4-2") << QByteArray("USB 4-2");
+    }
+    void recordEnteredByHandOpensTheDeviceItNames()
+    {
+        QFETCH(QByteArray, transport);
+        QFETCH(QByteArray, parameter);
+        QFETCH(QByteArray, value);
+        QFETCH(QByteArray, deviceName);
+        const auto world = builtInWorld();
+        const TSharedPtr<CEmulatorInterface> emulated = world->interfaceByName(transport.data());
+        QVERIFY(emulated);
+        SDeviceInfo byHand = emulated->defaultDevice;
+        QVERIFY(byHand.deviceName.empty());
+        QCOMPARE(byHand.parameters[parameter.data()].value().getType(), CVariant::TYPE_STRING);
+        byHand.parameters[parameter.data()].setValue(value.data());
+        const TSharedPtr<IDevice> device = emulated->createDevice();
+        QVERIFY2(device->open(byHand, false), device->errorMessage().c_str());
+        QCOMPARE(str(device->info().deviceName), deviceName);
+        QCOMPARE(str(device->info().parameters[parameter.data()].value().ToString()), value);
+        // The record's own values, not the found device's.
+        QCOMPARE(device->info().parameters.count(), byHand.parameters.count());
+    }
+
+    void recordEnteredByHandWithAnUnknownAddressIsRefused()
+    {
+        const auto world = builtInWorld();
+        const TSharedPtr<CEmulatorInterface> serial = world->interfaceByName("EmuSerial");
+        SDeviceInfo byHand = serial->defaultDevice;
+        byHand.parameters["Control"].setValue("COM9");
+        const TSharedPtr<IDevice> device = serial->createDevice();
+        QVERIFY(!device->open(byHand, false));
+        QCOMPARE(str(device->errorMessage()),
+            QByteArray("No emulated device on \"Emulated serial ports\" answers at \"COM9\"."));
+        QVERIFY(!device->isOpen());
+        // The same record with a port that answers opens on the same object.
+        byHand.parameters["Control"].setValue("COM1");
+        QVERIFY(device->open(byHand, false));
+        QCOMPARE(str(device->info().deviceName), QByteArray("COM1"));
+    }
+
+    // The camera emulator's record entered by hand has only its pattern and rate, which its
+    // found devices let anyone change: it opens a free slot, with its own pattern and rate.
+    void emulatedCameraSlotEnteredByHandOpensAFreeSlot()
+    {
+        const auto world = builtInWorld();
+        const TSharedPtr<CEmulatorInterface> cameraSlots = world->interfaceByName("EmuCamera");
+        SDeviceInfo byHand = cameraSlots->defaultDevice;
+        QVERIFY(byHand.parameters.Exists("Pattern"));
+        byHand.parameters["Pattern"].setValue("Noise");
+        const TSharedPtr<IDevice> device = cameraSlots->createDevice();
+        QVERIFY2(device->open(byHand, false), device->errorMessage().c_str());
+        QVERIFY(device->info().deviceName.empty());
+        QCOMPARE(str(device->info().parameters.TextOf("Pattern")), QByteArray("Noise"));
     }
 
     void recordFilledByHandOpens()

@@ -299,16 +299,21 @@ private slots:
         QCOMPARE(recorder.frameCount(), count);
     }
 
-    void cameraWithoutAnImageSendsNone()
+    // A record with a pixel type and no size cannot be drawn: the connect is refused, saying
+    // why, and no stream starts.
+    void cameraWithoutASizeIsRefused()
     {
         CRecorder recorder;
         const SCamera camera("S");
         camera.source()->subscribe(&recorder);
-        QVERIFY(camera.connect());
-        QCOMPARE(recorder.started().size(), std::size_t{1});
+        QVERIFY(!camera.connect());
+        QVERIFY(!camera.controller->isConnected());
+        QCOMPARE(str(camera.controller->errorMessage()),
+            QByteArray("The frame 0 x 0 has no pixels for the 4096 x 4096 sensor of an emulated "
+                       "camera slot; make it at least 1 x 1 and at most 4096 x 4096."));
+        QVERIFY(recorder.started().empty());
         QTest::qWait(50);
         QCOMPARE(recorder.frameCount(), std::size_t{0});
-        camera.controller->disconnect();
         camera.source()->unsubscribe(&recorder);
     }
 

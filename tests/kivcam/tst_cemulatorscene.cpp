@@ -1,6 +1,8 @@
 #include "StreamTest.h"
 
+#include <kiv/CVariant.h>
 #include <kiv/PixelType.h>
+#include <kivcam/CParameters.h>
 #include <kivcam/IEmulatorController.h>
 
 #include <QLineF>
@@ -15,11 +17,16 @@ using namespace streamtest;
 
 namespace {
 
-// The first images of a camera's stream.
-std::vector<TSharedPtr<const CImage>> imagesOf(const char* serial, std::size_t count)
+// The first images of a camera's stream, in the test pattern its control device names; the
+// device's own parameters when pattern is null.
+std::vector<TSharedPtr<const CImage>> imagesOf(
+    const char* serial, std::size_t count, const char* pattern = nullptr)
 {
     CRecorder recorder;
-    const SCamera camera(serial);
+    SCamera camera(serial);
+    if (pattern)
+        camera.info.comm.parameters.Add(CParameters::CEntry(
+            "Pattern", "Test pattern", {}, CParameters::EDIT_ALWAYS, CVariant(pattern)));
     camera.source()->subscribe(&recorder);
     if (!camera.connect() || !recorder.waitForFrames(count))
         qWarning("no images from %s", serial);
@@ -72,16 +79,40 @@ QPointF hotSpot(const CImage& image)
     return QPointF(sumX / count, sumY / count);
 }
 
-// How much a column's mean differs from the mean of its two neighbours, as a median over the
-// columns: the sensor's column pattern shows here, while the gradient, straight across the image,
-// and the noise, averaged over the rows, do not.
-double columnStripes(const CImage& image)
+// The bytes of an image's pixels, row by row.
+QByteArray pixelsOf(const CImage& image)
+{
+    QByteArray bytes;
+    const auto rowBytes = static_cast<qsizetype>(image.width() * image.bytesPerPixel());
+    for (int y = 0; y < image.height(); ++y)
+        bytes.append(reinterpret_cast<const char*>(image.row<std::uint8_t>(y)), rowBytes);
+    return bytes;
+}
+
+// The first image of a stream in that pattern: the one made at time 0.
+QByteArray firstImage(const char* serial, const char* pattern = nullptr)
+{
+    const auto images = imagesOf(serial, 1, pattern);
+    return images.empty() ? QByteArray() : pixelsOf(*images[0]);
+}
+
+// The mean of each column of a one-channel image.
+std::vector<double> columnMeans(const CImage& image)
 {
     std::vector<double> means(static_cast<std::size_t>(image.width()), 0.0);
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x)
             means[static_cast<std::size_t>(x)] += sampleAt(image, x, y) / image.height();
     }
+    return means;
+}
+
+// How much a column's mean differs from the mean of its two neighbours, as a median over the
+// columns: the sensor's column pattern shows here, while the gradient, straight across the image,
+// and the noise, averaged over the rows, do not.
+double columnStripes(const CImage& image)
+{
+    const std::vector<double> means = columnMeans(image);
     std::vector<double> steps;
     for (std::size_t x = 1; x + 1 < means.size(); ++x)
         steps.push_back(std::abs(means[x] - (means[x - 1] + means[x + 1]) / 2));
@@ -250,6 +281,86 @@ private slots:
         camera.controller->disconnect();
         QVERIFY(!emulated->runNuc());
         camera.source()->unsubscribe(&recorder);
+    }
+
+    // Each pattern gives its own picture, the same at the same time of every stream, in every
+    // kind of pixel; "Gradient" is the scene a device without a pattern shows.
+    void patternsDiffer_data()
+    {
+        QTest::addColumn<QByteArray>("serial");
+        for (const char* serial :
+            {"M14", "P8", "M12P", "D16", "T32", "RGB", "BGRA", "B16", "YUV", "F"})
+            QTest::newRow(serial) << QByteArray(serial);
+    }
+    void patternsDiffer()
+    {
+        QFETCH(QByteArray, serial);
+        const QByteArray unnamed = firstImage(serial);
+        const QByteArray gradient = firstImage(serial, "Gradient");
+        const QByteArray noise = firstImage(serial, "Noise");
+        const QByteArray bars = firstImage(serial, "Bars");
+        QVERIFY(!unnamed.isEmpty() && !noise.isEmpty() && !bars.isEmpty());
+        QCOMPARE(gradient, unnamed);
+        QVERIFY(noise != gradient);
+        QVERIFY(bars != gradient);
+        QVERIFY(bars != noise);
+        QCOMPARE(firstImage(serial, "Noise"), noise);
+        QCOMPARE(firstImage(serial, "Bars"), bars);
+    }
+
+    // Noise over a flat mid-grey field: every column alike, the pixels not.
+    void noiseIsFlatAndGrainy()
+    {
+        const auto images = imagesOf("M14", 1, "Noise");
+        QVERIFY(!images.empty());
+        const CImage& image = *images[0];
+        const std::vector<double> means = columnMeans(image);
+        const auto [low, high] = std::minmax_element(means.begin(), means.end());
+        const double full = 0xFFFF;
+        QVERIFY2(*high - *low < 0.08 * full, qPrintable(QString("%1 %2").arg(*low).arg(*high)));
+        QVERIFY(std::abs((*low + *high) / 2 - full / 2) < 0.05 * full);
+        double spread = 0;
+        for (int x = 0; x < image.width(); ++x)
+            spread = std::max(spread, std::abs(sampleAt(image, x, 7) - means[x]));
+        QVERIFY(spread > 0.05 * full);
+    }
+
+    // Eight vertical bars from dark to bright, which move sideways as time goes by.
+    void barsAreVerticalAndMove()
+    {
+        CRecorder recorder;
+        SCamera camera("P8");
+        camera.info.comm.parameters.Add(CParameters::CEntry(
+            "Pattern", "Test pattern", {}, CParameters::EDIT_ALWAYS, CVariant("Bars")));
+        camera.source()->subscribe(&recorder);
+        QVERIFY(camera.connect());
+        QVERIFY(recorder.waitForFrames(1));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            recorder.frames().back()->timestamp - recorder.frames().front()->timestamp
+                >= 500'000'000LL,
+            10000);
+        camera.controller->disconnect();
+        camera.source()->unsubscribe(&recorder);
+        // At time 0 the bars stand in place: bar k spans columns 5k to 5k + 4, each brighter
+        // than the one on its left, the same in every row.
+        const CImage& first = *recorder.frames().front();
+        QCOMPARE(first.frameNumber, std::uint64_t{0});
+        const std::vector<double> profile = columnMeans(first);
+        std::vector<double> bars(8, 0.0);
+        for (int x = 0; x < first.width(); ++x) {
+            QVERIFY(std::abs(sampleAt(first, x, 0) - profile[x]) < 10);
+            QVERIFY(std::abs(sampleAt(first, x, first.height() - 1) - profile[x]) < 10);
+            bars[static_cast<std::size_t>(x / 5)] += profile[x] / 5;
+        }
+        for (std::size_t k = 1; k < bars.size(); ++k)
+            QVERIFY2(bars[k] - bars[k - 1] > 0.05 * 255,
+                qPrintable(QString("%1 -> %2").arg(bars[k - 1]).arg(bars[k])));
+        QVERIFY(bars.back() - bars.front() > 0.6 * 255);
+        const std::vector<double> later = columnMeans(*recorder.frames().back());
+        double moved = 0;
+        for (int x = 0; x < first.width(); ++x)
+            moved = std::max(moved, std::abs(later[x] - profile[x]));
+        QVERIFY(moved > 0.05 * 255);
     }
 
     void cameraWithoutNucRefusesIt()
