@@ -20,6 +20,10 @@ install(FILES ${CMAKE_BINARY_DIR}/cmake/kivcamuiConfig.cmake
 install(FILES ${PROJECT_SOURCE_DIR}/data/udev/70-kivcamui-usb3-vision.rules
     DESTINATION lib/udev/rules.d)
 
+# The licence, and Debian's machine-readable copyright file where Debian looks for it.
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/data/debian/copyright
+    DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
 # As in the source tree, so that the README's links hold.
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
@@ -28,6 +32,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
 # scripts/package). The shared library dependencies are computed by dpkg-shlibdeps; the QML
 # modules that the library's components import are loaded at run time, so they are named here.
 set(CPACK_PACKAGE_NAME kivcamui)
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_PACKAGE_VENDOR "kivcamui")
 set(CPACK_PACKAGE_CONTACT "kivcamui developers <kivcamui@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "QML extension library for camera discovery and control")
