@@ -6,7 +6,8 @@ import "qrc:/kivcamui/controls" as KivControls
 
 // The toolbar's camera button. It opens the library's camera finder popup under itself, over the
 // camera finder and the configuration folder of the host's StandaloneModel: the last camera and
-// the cameras found, each connected with one click.
+// the cameras found, each connected with one click. Keyboard focus goes into the popup as it
+// opens, and comes back to the button when it closes.
 ToolAction {
     id: button
 
@@ -32,5 +33,15 @@ ToolAction {
         // A press on the button itself closes the popup by its click.
         closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutsideParent
         onConnect: camera => button.connectRequested(camera)
+        onClosed: {
+            if (!popup.cantConnectDialog.visible)
+                button.forceActiveFocus(Qt.PopupFocusReason)
+        }
+    }
+    Connections {
+        target: popup.cantConnectDialog
+        function onClosed() {
+            button.forceActiveFocus(Qt.PopupFocusReason)
+        }
     }
 }

@@ -14,11 +14,15 @@ RowLayout {
     property string cameraName: ""
     // The last connect ended without a connection.
     property bool failed: false
+    // Why a connect could not even start, in the host's words: said in full, as a failure.
+    property string failure: ""
     // The camera was lost while connected.
     property bool lost: false
     // The lost camera is among the cameras found again.
     property bool canReconnect: false
     readonly property alias reconnectButton: reconnect
+    // What the status says.
+    readonly property alias text: label.text
 
     signal reconnectRequested()
 
@@ -27,6 +31,7 @@ RowLayout {
                                        : ""
     readonly property string phase: standalone.disconnecting ? "disconnecting"
                                     : standalone.connecting ? "connecting"
+                                    : failure !== "" ? "failed"
                                     : standalone.connected ? "connected"
                                     : lost ? "lost"
                                     : failed ? "failed"
@@ -54,6 +59,7 @@ RowLayout {
         }
     }
     Label {
+        id: label
         Layout.fillWidth: true
         elide: Text.ElideRight
         textFormat: Text.PlainText
@@ -64,7 +70,8 @@ RowLayout {
             connected: status.cameraName
                        + (status.typeName !== "" ? "  \u00b7  " + status.typeName : ""),
             disconnecting: "Disconnecting " + status.cameraName + "...",
-            failed: "Could not connect " + status.cameraName + status.reason,
+            failed: status.failure !== "" ? status.failure
+                    : "Could not connect " + status.cameraName + status.reason,
             lost: "Lost " + status.cameraName + status.reason,
         })[status.phase]
         ToolTip.visible: hover.hovered && truncated
@@ -72,7 +79,7 @@ RowLayout {
 
         HoverHandler { id: hover }
     }
-    Button {
+    DemoButton {
         id: reconnect
         objectName: "reconnect"
         visible: status.phase === "lost" && status.canReconnect

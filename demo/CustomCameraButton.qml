@@ -15,6 +15,8 @@ ToolAction {
     signal exampleShown()
     // The user accepted the dialog with this camera.
     signal connectRequested(var camera)
+    // The user accepted the dialog without having chosen a camera.
+    signal nothingChosen()
 
     glyph: "\uf0ad"
     text: "Custom camera..."
@@ -57,6 +59,8 @@ ToolAction {
             const camera = dialog.cameraSelector.cameraInfo
             if (camera)
                 button.connectRequested(camera)
+            else
+                button.nothingChosen()
         })
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 #include <QUrl>
@@ -17,6 +18,8 @@ class DemoHost : public QObject {
     Q_PROPERTY(QString picturesDir READ picturesDir CONSTANT)
     Q_PROPERTY(bool tracing READ tracing CONSTANT)
     Q_PROPERTY(QStringList transports READ transports CONSTANT)
+    Q_PROPERTY(QSize windowSize READ windowSize CONSTANT)
+    Q_PROPERTY(QUrl descriptionFile READ descriptionFile CONSTANT)
 
 public:
     struct SOptions {
@@ -24,6 +27,9 @@ public:
         QString screenshotFile;
         QString picturesDir;
         bool tracing = false;
+        QSize windowSize;
+        // Where the Cameras page saves and loads without asking; empty: it asks.
+        QUrl descriptionFile;
     };
 
     DemoHost(const SOptions& options, QObject* parent = nullptr);
@@ -34,6 +40,8 @@ public:
     QString screenshotFile() const { return m_options.screenshotFile; }
     QString picturesDir() const { return m_options.picturesDir; }
     bool tracing() const { return m_options.tracing; }
+    QSize windowSize() const { return m_options.windowSize; }
+    QUrl descriptionFile() const { return m_options.descriptionFile; }
     // The names of the camera library's transports, for the devices page to choose from.
     QStringList transports() const;
 

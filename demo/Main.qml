@@ -13,10 +13,10 @@ ApplicationWindow {
     // The demo's C++ side (DemoHost): its options, the icon font, the trace and the pictures.
     required property var host
 
-    width: 1200
-    height: 840
-    minimumWidth: 960
-    minimumHeight: 640
+    width: host.windowSize.width
+    height: host.windowSize.height
+    minimumWidth: 800
+    minimumHeight: 500
     visible: true
     title: "kivcamui demo"
     color: "#2F2F37"
@@ -54,9 +54,12 @@ ApplicationWindow {
     // failed: a failed connect only ends with connected still false.
     property string cameraName: ""
     property bool connectFailed: false
+    // Why a connect could not even start, in the host's words; empty otherwise.
+    property string connectFailure: ""
     // The camera connected last, known by its type and serial, and whether it was lost.
     property string cameraType: ""
     property string cameraSerial: ""
+    property string cameraIdentity: ""
     property bool cameraLost: false
     // The lost camera, when a search finds it again; null otherwise.
     readonly property var returnedCamera: {
@@ -79,7 +82,9 @@ ApplicationWindow {
         cameraName = nameOf(camera)
         cameraType = camera.name
         cameraSerial = camera.serial
+        cameraIdentity = camera.identity
         connectFailed = false
+        connectFailure = ""
         cameraLost = false
         standaloneModel.connect(camera)
     }
@@ -105,69 +110,106 @@ ApplicationWindow {
         onActivated: Qt.quit()
     }
 
+    // Below this width the toolbar takes two rows: the actions, as glyphs with tooltips, and the
+    // page tabs above; the status below, across the whole window.
+    readonly property bool narrow: width < 1150
+
     header: ToolBar {
         background: Rectangle {
             color: "#26262C"
         }
 
-        RowLayout {
+        GridLayout {
             anchors.fill: parent
             anchors.leftMargin: 8
             anchors.rightMargin: 8
-            spacing: 4
+            columns: 3
+            columnSpacing: 4
+            rowSpacing: 0
 
-            CameraButton {
-                id: cameraButton
-                standalone: standaloneModel
-                onConnectRequested: camera => window.connectCamera(camera)
+            RowLayout {
+                Layout.row: 0
+                Layout.column: 0
+                spacing: 4
+
+                CameraButton {
+                    id: cameraButton
+                    standalone: standaloneModel
+                    onConnectRequested: camera => window.connectCamera(camera)
+                }
+                ToolAction {
+                    id: findAction
+                    glyph: "\uf002"
+                    text: "Find cameras..."
+                    glyphOnly: window.narrow
+                    onClicked: finderDialog.open()
+                }
+                CustomCameraButton {
+                    id: customCameraAction
+                    glyphOnly: window.narrow
+                    onConnectRequested: camera => window.connectCamera(camera)
+                    onNothingChosen: window.connectFailure
+                                     = "Could not connect: no camera was chosen in the custom camera dialog."
+                }
+                ToolAction {
+                    id: disconnectAction
+                    glyph: "\uf011"
+                    text: "Disconnect"
+                    glyphOnly: window.narrow
+                    enabled: standaloneModel.connected && !standaloneModel.disconnecting
+                    onClicked: standaloneModel.disconnect()
+                }
+                ToolSeparator {
+                    visible: !window.narrow
+                }
             }
-            ToolAction {
-                id: findAction
-                glyph: "\uf002"
-                text: "Find cameras..."
-                onClicked: finderDialog.open()
+            Item {
+                Layout.row: 0
+                Layout.column: 1
+                Layout.fillWidth: true
+                visible: window.narrow
             }
-            CustomCameraButton {
-                id: customCameraAction
-                onConnectRequested: camera => window.connectCamera(camera)
-            }
-            ToolAction {
-                id: disconnectAction
-                glyph: "\uf011"
-                text: "Disconnect"
-                enabled: standaloneModel.connected && !standaloneModel.disconnecting
-                onClicked: standaloneModel.disconnect()
-            }
-            ToolSeparator {}
             ConnectionStatus {
                 id: connectionStatus
+                Layout.row: window.narrow ? 1 : 0
+                Layout.column: window.narrow ? 0 : 1
+                Layout.columnSpan: window.narrow ? 3 : 1
                 Layout.fillWidth: true
                 Layout.leftMargin: 4
+                Layout.minimumHeight: 36
                 standalone: standaloneModel
                 cameraName: window.cameraName
                 failed: window.connectFailed
+                failure: window.connectFailure
                 lost: window.cameraLost
                 canReconnect: window.returnedCamera !== null
                 onReconnectRequested: window.connectCamera(window.returnedCamera)
             }
             TabBar {
                 id: pageBar
+                Layout.row: 0
+                Layout.column: 2
+                Layout.alignment: Qt.AlignRight
                 currentIndex: Math.max(0, ["live", "cameras", "editors", "devices"]
                                           .indexOf(window.host.startPage))
                 background: null
                 PageTab {
+                    id: liveTab
                     glyph: "\uf03d"
                     text: "Live"
                 }
                 PageTab {
+                    id: camerasTab
                     glyph: "\uf0ca"
                     text: "Cameras"
                 }
                 PageTab {
+                    id: editorsTab
                     glyph: "\uf125"
                     text: "Sensor window"
                 }
                 PageTab {
+                    id: devicesTab
                     glyph: "\uf0e8"
                     text: "Devices"
                 }
@@ -180,21 +222,45 @@ ApplicationWindow {
         anchors.margins: 12
         currentIndex: pageBar.currentIndex
 
-        LivePage {
-            id: livePage
-            standalone: standaloneModel
+        PageScroll {
+            minimumWidth: 760
+            minimumHeight: 380
+            LivePage {
+                id: livePage
+                anchors.fill: parent
+                standalone: standaloneModel
+            }
         }
-        CamerasPage {
-            id: cameras
-            finder: window.finder
-            canConnect: !standaloneModel.connecting && !standaloneModel.disconnecting
-            onConnectRequested: camera => window.connectCamera(camera)
+        PageScroll {
+            minimumWidth: 760
+            minimumHeight: 440
+            CamerasPage {
+                id: cameras
+                anchors.fill: parent
+                finder: window.finder
+                descriptionFile: window.host.descriptionFile
+                connectedName: standaloneModel.connected ? window.cameraType : ""
+                connectedSerial: window.cameraSerial
+                connectedIdentity: window.cameraIdentity
+                canConnect: !standaloneModel.connecting && !standaloneModel.disconnecting
+                onConnectRequested: camera => window.connectCamera(camera)
+            }
         }
-        EditorsPage {
-            camera: cameras.camera
+        PageScroll {
+            minimumWidth: 1040
+            minimumHeight: 560
+            EditorsPage {
+                anchors.fill: parent
+                camera: cameras.camera
+            }
         }
-        DevicesPage {
-            transports: window.host.transports
+        PageScroll {
+            minimumWidth: 760
+            minimumHeight: 640
+            DevicesPage {
+                anchors.fill: parent
+                transports: window.host.transports
+            }
         }
     }
 
@@ -222,8 +288,12 @@ ApplicationWindow {
             panel: livePage.panel
             reconnect: connectionStatus.reconnectButton
             controls: ({ "camera button": cameraButton, "find cameras": findAction,
-                         "custom camera": customCameraAction, "disconnect": disconnectAction })
+                         "custom camera": customCameraAction, "disconnect": disconnectAction,
+                         "tab live": liveTab, "tab cameras": camerasTab,
+                         "tab sensor window": editorsTab, "tab devices": devicesTab })
             cameraName: window.cameraName
+            status: connectionStatus
+            camerasPage: cameras
         }
     }
 

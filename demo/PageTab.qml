@@ -4,6 +4,7 @@ import QtQuick
 import QtQuick.Controls
 
 // A page's tab in the toolbar: a glyph and the page's name, underlined while the page shows.
+// Space, Enter and Return show its page.
 TabButton {
     id: tab
 
@@ -13,6 +14,10 @@ TabButton {
     implicitHeight: 40
     leftPadding: 12
     rightPadding: 12
+    focusPolicy: Qt.StrongFocus
+
+    Keys.onReturnPressed: tab.checked = true
+    Keys.onEnterPressed: tab.checked = true
 
     contentItem: Row {
         spacing: 8
@@ -39,5 +44,8 @@ TabButton {
             visible: tab.checked
             color: "#E0822B"
         }
+    }
+    FocusFrame {
+        shown: tab.visualFocus
     }
 }

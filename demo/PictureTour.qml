@@ -66,7 +66,7 @@ QtObject {
         { until: () => true, then: () => save("dialog.png") },
         { until: () => true, then: () => dialog.reject() },
         { until: () => !dialog.visible, then: () => { pages.currentIndex = 1 } },
-        { until: () => found(), then: () => { camerasPage.currentIndex = 0 } },
+        { until: () => found(), then: () => camerasPage.select(0) },
         { until: () => true, then: () => save("cameras.png") },
         { until: () => true, then: () => { pages.currentIndex = 2 } },
         { until: () => true, then: () => save("editors.png") },

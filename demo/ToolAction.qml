@@ -4,16 +4,25 @@ import QtQuick
 import QtQuick.Controls
 
 // A toolbar button of the host: an icon-font glyph, then its text, and a caret for a button that
-// opens something under it.
+// opens something under it. With glyphOnly, the text is its tooltip instead. Space, Enter and
+// Return press it.
 ToolButton {
     id: action
 
     property string glyph: ""
     property bool caret: false
+    property bool glyphOnly: false
 
     implicitHeight: 40
     leftPadding: 10
     rightPadding: 10
+    focusPolicy: Qt.StrongFocus
+    ToolTip.visible: glyphOnly && text !== "" && (hovered || visualFocus)
+    ToolTip.delay: 500
+    ToolTip.text: text
+
+    Keys.onReturnPressed: action.clicked()
+    Keys.onEnterPressed: action.clicked()
 
     contentItem: Row {
         spacing: 8
@@ -28,7 +37,7 @@ ToolButton {
         }
         Label {
             anchors.verticalCenter: parent.verticalCenter
-            visible: action.text !== ""
+            visible: action.text !== "" && !action.glyphOnly
             text: action.text
         }
         Text {
@@ -39,5 +48,8 @@ ToolButton {
             color: "#A8A8B4"
             text: "\uf0d7"
         }
+    }
+    FocusFrame {
+        shown: action.visualFocus
     }
 }

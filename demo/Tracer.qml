@@ -6,8 +6,9 @@ import QtQuick.Controls
 // With --trace: reports on standard output, one line per event, what the host and the library's
 // components do ("scanning", "cameras 3", "popup opened", "connecting Bench camera",
 // "connected Thermal64", "frames 120", "cant-connect <message>", "custom accepted <identity>",
-// "error <why a connect failed or a camera was lost>", "disconnected", ...), and where the things
-// to click are: "at <x> <y> <width> <height> <what>", in window coordinates.
+// "error <why a connect failed or a camera was lost>", "disconnected", "status <what the status
+// says>", "focus <what has the keyboard focus>", ...), and where the things to click are:
+// "at <x> <y> <width> <height> <what>", in window coordinates.
 Item {
     id: tracer
 
@@ -23,6 +24,10 @@ Item {
     // The toolbar's controls by name.
     required property var controls
     required property string cameraName
+    // The toolbar's status area.
+    required property var status
+    // The Cameras page.
+    required property var camerasPage
 
     readonly property var finder: standalone.cameraFinder
     readonly property var cantConnect: host.findChild(popup, "cantConnectDialog")
@@ -39,21 +44,22 @@ Item {
         return "at " + Math.round(corner.x) + " " + Math.round(corner.y) + " "
                 + Math.round(width) + " " + Math.round(height) + " " + what
     }
-    // The rows of a camera list, or null while the list does not have them all yet. The popup
-    // lays its rows out in a column, the dialog in a view.
+    // The rows of a camera list, or null while the list has none laid out yet. The popup lays its
+    // rows out in a column, the dialog in a view.
     function rowsOf(list) {
         if (list.itemAtIndex === undefined) {
             list.forceLayout()
             return Array.from(list.children).filter(item => item.objectName === "cameraRow")
         }
+        // A view makes the rows it shows; in a small window, not all of them.
+        list.forceLayout()
         const rows = []
         for (let i = 0; i < list.count; ++i) {
             const row = list.itemAtIndex(i)
-            if (!row)
-                return null
-            rows.push(row)
+            if (row)
+                rows.push(row)
         }
-        return rows
+        return list.count > 0 && rows.length === 0 ? null : rows
     }
     // Where the rows of the popup ("last <identity>", "row <identity>") and of the dialog
     // ("dialog row <identity>", then its "dialog connect" button) are, once they are laid out.
@@ -96,7 +102,9 @@ Item {
         const identity = host.findChild(customDialog, "identityField")
         if (identity.visible)
             at(identity, "custom identity")
-        at(host.findChild(customDialog, "connectButton"), "custom connect")
+        const connect = host.findChild(customDialog, "connectButton")
+        at(connect, "custom connect")
+        trace("custom connect " + (connect.enabled ? "enabled" : "disabled"))
     }
     Timer {
         id: customTimer
@@ -139,6 +147,95 @@ Item {
         }
     }
 
+    // What has the keyboard focus: a toolbar control by its name, a row of the popup ("row
+    // <identity>", "last <identity>"), a button by its text, or else its name or kind of item.
+    function focusName(item) {
+        if (!item)
+            return "none"
+        for (const name in controls) {
+            if (controls[name] === item)
+                return name
+        }
+        if (item.objectName === "cameraRow" || item.objectName === "lastCameraRow")
+            return (within(item, dialog) ? "dialog row "
+                    : item.objectName === "cameraRow" ? "row " : "last ") + item.camera.identity
+        if (item instanceof AbstractButton)
+            return "button " + item.text
+        return item.objectName !== "" ? item.objectName : String(item).replace(/[_(].*/, "")
+    }
+    function within(item, popup) {
+        for (let parent = item; parent; parent = parent.parent) {
+            if (parent === popup.contentItem)
+                return true
+        }
+        return false
+    }
+    Connections {
+        target: tracer.Window.window
+        function onActiveFocusItemChanged() {
+            tracer.trace("focus " + tracer.focusName(tracer.Window.window.activeFocusItem))
+        }
+    }
+    Connections {
+        target: tracer.status
+        function onTextChanged() {
+            tracer.trace("status " + tracer.status.text)
+        }
+    }
+
+    // The Cameras page: the description it shows ("page camera <identity>"), what Save... or
+    // Load... did ("page message <sentence>"), the row marked connected ("page mark <identity>"),
+    // and, while it shows, where its rows ("page row <identity>") and its identity field and
+    // buttons ("page identity", "page load", "page save", "page scan", "page connect") are.
+    function tracePageCamera() {
+        trace("page camera " + (camerasPage.camera ? camerasPage.camera.identity : ""))
+        pageTimer.restart()
+    }
+    function traceCamerasPage() {
+        if (!camerasPage.visible || finder.scanning)
+            return
+        const list = host.findChild(camerasPage, "cameraList")
+        list.forceLayout()
+        for (let i = 0; i < list.count; ++i) {
+            const row = list.itemAtIndex(i)
+            if (row && row.y + row.height <= list.contentY + list.height)
+                at(row, "page row " + finder.cameras.at(i).identity)
+        }
+        for (const name of ["identity", "load", "save", "scan", "connect"]) {
+            const item = host.findChild(camerasPage, name)
+            if (item.visible)
+                at(item, "page " + name)
+        }
+    }
+    Timer {
+        id: pageTimer
+        interval: 150
+        onTriggered: tracer.traceCamerasPage()
+    }
+    Connections {
+        target: tracer.camerasPage
+        function onCameraChanged() {
+            tracer.tracePageCamera()
+        }
+        function onVisibleChanged() {
+            pageTimer.restart()
+        }
+        function onMessageChanged() {
+            if (tracer.camerasPage.message !== "")
+                tracer.trace("page message " + tracer.camerasPage.message)
+        }
+        function onConnectedIndexChanged() {
+            const index = tracer.camerasPage.connectedIndex
+            tracer.trace("page mark " + (index >= 0 ? tracer.finder.cameras.at(index).identity : ""))
+        }
+    }
+    Connections {
+        target: tracer.camerasPage.camera
+        function onIdentityChanged() {
+            tracer.tracePageCamera()
+        }
+    }
+
     // A search may have started before the trace did.
     Component.onCompleted: {
         if (finder.scanning)
@@ -152,6 +249,8 @@ Item {
             } else {
                 tracer.trace("cameras " + tracer.finder.cameras.size)
                 rowTimer.restart()
+                if (tracer.camerasPage.visible)
+                    tracer.tracePageCamera()
             }
         }
     }

@@ -4,13 +4,16 @@
 // assembles one by hand. Further pages show and edit the found cameras' descriptions, a sensor
 // window, and the devices of chosen transports.
 //   kivcamui-demo [--page live|cameras|editors|devices] [--screenshot FILE] [--pictures DIR]
-//                 [--trace]
+//                 [--trace] [--size WIDTHxHEIGHT] [--description-file FILE]
 //     --page        the page shown first
 //     --screenshot  saves the window once the first search has ended, then quits
 //     --pictures    connects a camera and opens the popup, the "Can't Connect" dialog and the
 //                   camera finder dialog, saving a picture of each in DIR, then quits; it keeps
 //                   its last camera in a scratch folder, never in the user's
 //     --trace       reports what happens on standard output, one line per event
+//     --size        the window's first size (800x500 at least)
+//     --description-file  "Save..." and "Load..." on the Cameras page use FILE instead of asking
+//                   (for tests, which cannot drive a file dialog)
 
 #include "DemoHost.h"
 
@@ -18,6 +21,7 @@
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
@@ -25,6 +29,7 @@
 #include <QTemporaryDir>
 #include <QUrl>
 
+#include <cstdio>
 #include <memory>
 
 int main(int argc, char** argv)
@@ -46,7 +51,24 @@ int main(int argc, char** argv)
     parser.addOption(pictures);
     const QCommandLineOption trace("trace", "Report every event on standard output.");
     parser.addOption(trace);
+    const QCommandLineOption size(
+        "size", "Open the window at <size> (WIDTHxHEIGHT, 800x500 at least).", "size", "1200x840");
+    parser.addOption(size);
+    const QCommandLineOption descriptionFile("description-file",
+        "Save and load the Cameras page's description in <file> instead of asking.", "file");
+    parser.addOption(descriptionFile);
     parser.process(app);
+
+    const QStringList sizeParts = parser.value(size).split('x');
+    const QSize windowSize
+        = sizeParts.size() == 2 ? QSize(sizeParts[0].toInt(), sizeParts[1].toInt()) : QSize();
+    if (windowSize.width() < 800 || windowSize.height() < 500) {
+        std::fprintf(stderr,
+            "The window size \"%s\" is not valid: give it as WIDTHxHEIGHT, "
+            "at least 800x500, for example --size 1024x640.\n",
+            qPrintable(parser.value(size)));
+        return 2;
+    }
 
     // The pictures start from a first run: no last camera, and none left behind.
     std::unique_ptr<QTemporaryDir> scratch;
@@ -64,7 +86,10 @@ int main(int argc, char** argv)
 
     DemoHost host({parser.value(page), parser.value(screenshot),
         parser.isSet(pictures) ? QDir(parser.value(pictures)).absolutePath() : QString(),
-        parser.isSet(trace)});
+        parser.isSet(trace), windowSize,
+        parser.isSet(descriptionFile)
+            ? QUrl::fromLocalFile(QFileInfo(parser.value(descriptionFile)).absoluteFilePath())
+            : QUrl()});
     QQmlApplicationEngine engine;
     engine.setInitialProperties({{"host", QVariant::fromValue<QObject*>(&host)}});
     engine.load(QUrl("qrc:/demo/Main.qml"));

@@ -9,6 +9,8 @@ import kivcamui 1.0
 // The compact camera chooser shown under a toolbar button of the host: the last camera used and
 // the cameras found, each connected with one click. The host passes the cameraFinder and
 // configDir of its StandaloneModel and connects `connect` to StandaloneModel.connect.
+// From the keyboard: the rows take focus as the popup opens, Up and Down (and Tab) move between
+// them, and Enter, Return or Space picks the focused one as a click does.
 Popup {
     id: popup
 
@@ -17,12 +19,15 @@ Popup {
     property string lastCameraFname: configDir + "/lastCamera.xml"
     property var lastCamera: null
     property string errorMessage: ""
+    // The "Can't Connect" dialog, for a host that follows it (to move focus after it closes).
+    readonly property alias cantConnectDialog: cantConnectDialog
 
     signal connect(CameraInfo camera)
 
     width: 192
     padding: 8
     clip: true
+    focus: true
     background: Rectangle {
         color: "#2F2F37"
     }
@@ -48,6 +53,33 @@ Popup {
     onAboutToShow: {
         if (!lastCamera && cameraFinder && cameraFinder.cameras.size === 0)
             cameraFinder.scan()
+    }
+    onOpened: focusRow(0)
+
+    // The rows that take focus, in order: the last camera's, then the found cameras'.
+    function rows() {
+        const rows = lastCameraRow.visible ? [lastCameraRow] : []
+        for (let i = 0; i < cameraList.children.length; ++i) {
+            if (cameraList.children[i].objectName === "cameraRow")
+                rows.push(cameraList.children[i])
+        }
+        return rows
+    }
+    // Gives the row at index (kept within the rows) the focus; with no rows, the Refresh button.
+    function focusRow(index) {
+        const all = rows()
+        if (all.length === 0)
+            refreshButton.forceActiveFocus(Qt.TabFocusReason)
+        else
+            all[Math.max(0, Math.min(index, all.length - 1))].forceActiveFocus(Qt.TabFocusReason)
+    }
+    // Rows that come with a search, while the popup is open, take the focus from Refresh.
+    Connections {
+        target: popup.cameraFinder
+        function onScanningChanged() {
+            if (popup.opened && !popup.cameraFinder.scanning && refreshButton.activeFocus)
+                popup.focusRow(0)
+        }
     }
 
     function showCantConnect(message) {
@@ -77,6 +109,23 @@ Popup {
 
         height: 40
         color: mouseArea.containsMouse ? "#48484F" : "transparent"
+        activeFocusOnTab: true
+
+        Keys.onReturnPressed: row.clicked()
+        Keys.onEnterPressed: row.clicked()
+        Keys.onSpacePressed: row.clicked()
+        Keys.onUpPressed: popup.focusRow(popup.rows().indexOf(row) - 1)
+        Keys.onDownPressed: popup.focusRow(popup.rows().indexOf(row) + 1)
+
+        // The row with the keyboard focus: a frame around it.
+        Rectangle {
+            anchors.fill: parent
+            z: 1
+            visible: row.activeFocus
+            color: "transparent"
+            border.width: 2
+            border.color: "#18AAE2"
+        }
 
         Item {
             id: iconCell
@@ -236,6 +285,7 @@ Popup {
         // A width of its own: sized by a wrapping label, the dialog would chase its own width.
         width: Math.min(672, parent ? parent.width : 672)
         modal: true
+        focus: true
         title: qsTr("Can't Connect")
         standardButtons: Dialog.Ok
 

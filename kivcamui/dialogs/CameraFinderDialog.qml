@@ -6,7 +6,8 @@ import kivui 1.0
 
 // The full camera chooser: the cameras found beside the parameters of the selected camera's
 // communication device, which the user may edit before connecting. The host reads `camera`
-// after accepted().
+// after accepted(). The camera list has the keyboard focus as the dialog opens: Up and Down move
+// the selection, Tab goes on to the parameters and the buttons.
 //
 // Where the rows and the highlight reach the dialog by its ids, qmllint of Qt 6.4 wants them in
 // components bound to this file (pragma ComponentBehavior: Bound), of which Qt 6.4 makes no list
@@ -25,6 +26,7 @@ Dialog {
     height: parent ? parent.height - 64 : 0
     padding: 1
     modal: true
+    focus: true
     closePolicy: Popup.NoAutoClose
 
     onAboutToShow: cameraFinder.scan()
@@ -49,10 +51,16 @@ Dialog {
                 Layout.fillHeight: true
                 Layout.preferredWidth: 1
                 clip: true
+                focus: true
+                activeFocusOnTab: true
+                keyNavigationEnabled: true
                 model: dialog.cameraFinder.cameras
                 ScrollIndicator.vertical: ScrollIndicator {}
+                // Framed while the list has the keyboard focus.
                 highlight: Rectangle {
                     color: dialog.highlightColor // qmllint disable unqualified
+                    border.width: cameraList.activeFocus ? 2 : 0 // qmllint disable unqualified
+                    border.color: "#18AAE2"
                 }
                 highlightMoveDuration: 0
 

@@ -11,8 +11,12 @@ chosen in the "Find cameras..." dialog, and a third assembles a camera by hand i
 camera dialog and connects it, and a fourth connects the GenICam camera, switches its feature
 tree to Expert, enters an exposure time and drags the sensor window smaller, and sees the picture
 shrink with it; a fifth connects a camera that falls silent, sees the reason, and reconnects it
-when a search finds it again. Screenshots of each step are saved in the output folder for a
-person to look at.
+when a search finds it again. A sixth run, in an 800 x 500 window, connects a camera with the
+keyboard alone (Tab to the camera button, Enter, Down to a camera, Enter), closes the popup with
+Escape and sees the focus back on the camera button, edits a description on the Cameras page,
+keeps the edit through a new search, saves it, loads it back and connects it, and accepts the
+custom camera dialog with nothing chosen. Screenshots of each step, and of every page at 800 x
+500, are saved in the output folder for a person to look at.
 
     tst_demo.py --demo BINARY --world WORLD.xml --out FOLDER
 
@@ -20,6 +24,7 @@ Exits 77 (skipped) when Xvfb, xdotool or ImageMagick's import is missing.
 """
 
 import argparse
+import functools
 import os
 import queue
 import re
@@ -66,14 +71,14 @@ class Display:
 class Demo:
     """The demo process, its trace as it comes, and the places it reports ("at" lines)."""
 
-    def __init__(self, binary, env, log_folder, run):
+    def __init__(self, binary, env, log_folder, run, options=()):
         self.env = env
         self.lines = queue.Queue()
         self.trace = []
         self.places = {}
         self.trace_log = open(os.path.join(log_folder, f"run{run}-trace.log"), "w")
         self.error_log = open(os.path.join(log_folder, f"run{run}-stderr.log"), "w")
-        self.process = subprocess.Popen([binary, "--trace"], env=env, stdin=subprocess.DEVNULL,
+        self.process = subprocess.Popen([binary, "--trace", *options], env=env, stdin=subprocess.DEVNULL,
                                         stdout=subprocess.PIPE, stderr=self.error_log, text=True)
         threading.Thread(target=self._read, daemon=True).start()
         self.window = None
@@ -131,6 +136,24 @@ class Demo:
     def find_window(self):
         self.window = xdotool(self.env, "search", "--sync", "--onlyvisible", "--name",
                               "^" + WINDOW_TITLE + "$").split()[0]
+
+    def focus(self):
+        """Gives the window the keyboard focus, as a window manager would."""
+        xdotool(self.env, "windowfocus", "--sync", self.window)
+
+    def press_until_focus(self, keys, name, tries):
+        """Presses keys until the demo says name has the keyboard focus; the lines said before
+        the first press do not count."""
+        try:
+            while True:
+                self.expect("(?!)", timeout=0.5)
+        except Failure:
+            pass
+        for _ in range(tries):
+            self.key(keys)
+            if self.expect(r"focus (.*)")[0].group(1) == name:
+                return
+        raise Failure(f"{keys} did not bring the focus to {name!r} in {tries} presses")
 
     def click(self, what):
         if what not in self.places:
@@ -391,6 +414,87 @@ def fifth_run(demo, shot):
     shot("17-reconnected")
 
 
+def sixth_run(demo, shot, description):
+    demo.expect("ready")
+    demo.find_window()
+    demo.focus()
+    shot("18-small-live")
+
+    # The keyboard alone: Tab to the camera button, Enter opens the popup, which scans; the focus
+    # is on its first row, Down moves it to a camera that can connect, Enter connects that.
+    demo.press_until_focus("Tab", "camera button", 12)
+    demo.key("Return")
+    demo.expect_all("popup opened", "scanning")
+    # The first row takes the focus as the search ends, said before or after its result.
+    lines = demo.expect_all("cameras 5", r"focus row .*")
+    if [line for line in lines if line.startswith("focus row")][-1] != "focus row Bench camera":
+        demo.press_until_focus("Down", "row Bench camera", 5)
+    demo.key("Return")
+    demo.expect_all("popup closed", "connecting Bench camera", "focus camera button")
+    demo.expect_all("connected Bench64", "page mark Bench camera")
+    demo.expect(r"frames [1-9]\d*")
+    shot("19-small-keyboard-connected")
+
+    # Space opens the popup again, on its last camera; Escape closes it, and the focus is back
+    # on the camera button.
+    demo.key("space")
+    demo.expect_all("popup opened", "focus last Bench camera")
+    demo.key("Escape")
+    demo.expect_all("popup closed", "focus camera button")
+
+    # The Cameras page: an edit of the selected camera outlives a new search, is saved, and
+    # comes back with Load... after another camera was selected; the loaded one connects.
+    demo.click("tab cameras")
+    demo.expect(r"at .* page row Old camera")
+    demo.click("page row Bench camera")
+    demo.expect("page camera Bench camera")
+    shot("20-small-cameras")
+    demo.expect(r"at .* page identity")
+    demo.click("page identity")
+    demo.key("ctrl+a")
+    demo.type("Edited bench")
+    demo.key("Return")
+    demo.expect("page camera Edited bench")
+    demo.click("page scan")
+    demo.expect("scanning")
+    demo.expect("cameras 5")
+    kept = demo.expect(r"page camera (.*)")[0].group(1)
+    if kept != "Edited bench":
+        raise Failure(f"a new search replaced the edited description with {kept!r}")
+    demo.expect(r"at .* page save")
+    demo.click("page save")
+    demo.expect(r"page message Saved the description of Edited bench in .*\.")
+    with open(description) as saved:
+        if "Edited bench" not in saved.read():
+            raise Failure(f"{description} does not hold the edited identity")
+    demo.click("page row Old camera")
+    demo.expect("page camera Old camera")
+    demo.click("page load")
+    demo.expect_all(r"page message Loaded Edited bench from .*\.", "page camera Edited bench")
+    demo.expect(r"at .* page connect")
+    demo.click("page connect")
+    demo.expect_all("disconnected", "connecting Edited bench")
+    demo.expect("connected Bench64")
+    shot("21-small-loaded")
+
+    demo.click("tab sensor window")
+    time.sleep(0.5)
+    shot("22-small-editors")
+    demo.click("tab devices")
+    time.sleep(0.5)
+    shot("23-small-devices")
+
+    # The custom camera dialog accepted with nothing chosen: the status says so.
+    demo.click("custom camera")
+    demo.expect("custom opened")
+    enabled = demo.expect(r"custom connect (enabled|disabled)")[0].group(1)
+    if enabled == "enabled":
+        demo.click("custom connect")
+        demo.expect_all("custom accepted ", "status Could not connect: no camera was chosen in the "
+                        "custom camera dialog.")
+        shot("24-small-nothing-chosen")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--demo", required=True)
@@ -427,9 +531,15 @@ def main():
 
     status = 0
     try:
-        for run, steps in ((1, first_run), (2, second_run), (3, third_run), (4, fourth_run),
-                           (5, fifth_run)):
-            demo = Demo(options.demo, env, options.out, run)
+        # The sixth run starts afresh, with no last camera, in a small window.
+        description = os.path.join(home, "description.xml")
+        small = ("--size", "800x500", "--description-file", description)
+        small_env = dict(env, XDG_DATA_HOME=os.path.join(home, "data-small"))
+        for run, steps, run_env, extra in (
+                (1, first_run, env, ()), (2, second_run, env, ()), (3, third_run, env, ()),
+                (4, fourth_run, env, ()), (5, fifth_run, env, ()),
+                (6, functools.partial(sixth_run, description=description), small_env, small)):
+            demo = Demo(options.demo, run_env, options.out, run, extra)
 
             def shot(name):
                 demo.screenshot(os.path.join(options.out, name + ".png"))

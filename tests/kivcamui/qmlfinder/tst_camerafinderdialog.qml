@@ -211,6 +211,21 @@ Item {
             compare(dialog.visible, true)
         }
 
+        function test_upAndDownMoveTheSelection() {
+            const dialog = makeDialog()
+            openAndWait(dialog)
+            const list = findByName(dialog.contentItem, "cameraList")
+            tryCompare(list, "activeFocus", true)
+            list.currentIndex = 0
+            const first = dialog.camera.identity
+            keyClick(Qt.Key_Down)
+            compare(list.currentIndex, 1)
+            verify(dialog.camera.identity !== first)
+            keyClick(Qt.Key_Up)
+            compare(list.currentIndex, 0)
+            compare(dialog.camera.identity, first)
+        }
+
         function test_rowsShowIdentityAndBaseType() {
             const dialog = makeDialog()
             openAndWait(dialog)

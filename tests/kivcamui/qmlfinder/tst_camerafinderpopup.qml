@@ -272,6 +272,84 @@ Item {
             compare(good.ToolTip.visible, false)
         }
 
+        // A popup with a last camera, open, with the found cameras listed under it.
+        function openWithLastCamera(dir) {
+            const saved = makeFinder().loadCameraInfoFromString(
+                "<camera><name>Mistral320</name><serial>MS-1</serial><identity>Saved</identity></camera>")
+            verify(saved.save(dir + "/lastCamera.xml"))
+            const loader = makePopup(makeFinder(), dir)
+            loader.item.cameraFinder.scan()
+            openAndWait(loader.item)
+            return loader
+        }
+
+        function test_keysMoveTheFocusBetweenTheRows() {
+            const popup = openWithLastCamera(fixture.tempDirUrl()).item
+            const rows = popup.rows()
+            compare(rows.length, 4, "the last camera and three found cameras")
+            const lastRow = findByName(popup.contentItem, "lastCameraRow")
+            compare(rows[0], lastRow)
+            tryCompare(lastRow, "activeFocus", true)
+            keyClick(Qt.Key_Down)
+            compare(rows[1].activeFocus, true, "Down: the first found camera")
+            keyClick(Qt.Key_Down)
+            compare(rows[2].activeFocus, true)
+            keyClick(Qt.Key_Up)
+            compare(rows[1].activeFocus, true, "Up: back")
+            keyClick(Qt.Key_Up)
+            keyClick(Qt.Key_Up)
+            compare(lastRow.activeFocus, true, "Up stops at the first row")
+            keyClick(Qt.Key_Tab)
+            compare(rows[1].activeFocus, true, "Tab: the next row")
+        }
+
+        function test_enterOnARowThatCanConnectConnectsOnceAndRemembersIt() {
+            const dir = fixture.tempDirUrl()
+            const loader = makePopup(makeFinder(), dir)
+            const popup = loader.item
+            openAndWait(popup)
+            const row = rowOf(popup, "Bench camera")
+            const rows = popup.rows()
+            tryCompare(rows[0], "activeFocus", true)
+            for (let i = 0; i < rows.indexOf(row); ++i)
+                keyClick(Qt.Key_Down)
+            compare(row.activeFocus, true)
+            verify(!fixture.fileExists(dir + "/lastCamera.xml"))
+            keyClick(Qt.Key_Return)
+            compare(loader.picked, ["Bench camera"])
+            tryCompare(popup, "visible", false)
+            verify(fixture.fileExists(dir + "/lastCamera.xml"))
+            compare(popup.lastCamera.identity, "Bench camera")
+        }
+
+        function test_spaceOnTheLastCameraConnectsIt() {
+            const loader = openWithLastCamera(fixture.tempDirUrl())
+            tryCompare(findByName(loader.item.contentItem, "lastCameraRow"), "activeFocus", true)
+            keyClick(Qt.Key_Space)
+            compare(loader.picked, ["Saved"])
+            tryCompare(loader.item, "visible", false)
+        }
+
+        function test_enterOnARowThatCannotConnectOpensCantConnect() {
+            const loader = makePopup(makeFinder())
+            const popup = loader.item
+            openAndWait(popup)
+            const row = rowOf(popup, "Old camera")
+            row.forceActiveFocus()
+            keyClick(Qt.Key_Enter)
+            compare(loader.picked, [])
+            tryVerify(() => popupOpen(popup), 5000, "the Can't Connect dialog opens")
+            compare(popup.errorMessage, "The camera runs firmware 1.0; update it to 2.0 and search again.")
+            verify(!fixture.fileExists(popup.lastCameraFname))
+        }
+
+        function test_escapeClosesThePopup() {
+            const popup = makePopup(makeFinder()).item
+            openAndWait(popup)
+            keyClick(Qt.Key_Escape)
+            tryCompare(popup, "visible", false)
+        }
+
         function test_aMissingLastCameraFileHidesTheSection() {
             const popup = makePopup(makeFinder(), "file:///no/such/folder").item
             compare(popup.lastCamera, null)
