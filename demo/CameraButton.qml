@@ -28,6 +28,9 @@ ToolAction {
     KivControls.CameraFinderPopup {
         id: popup
         y: button.height
+        // Kept within the window: in a small window its cameras scroll.
+        height: Math.min(naturalHeight,
+                         button.Window.height - button.mapToItem(null, 0, button.height).y - 8)
         cameraFinder: button.standalone.cameraFinder
         configDir: button.standalone.configDir
         // A press on the button itself closes the popup by its click.

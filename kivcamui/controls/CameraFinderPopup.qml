@@ -34,12 +34,15 @@ Popup {
     // Light text on the popup's own dark background, whatever the host's theme.
     palette.windowText: "#E8E8EE"
 
-    // Computed rather than laid out, so that the host can place the popup before it opens.
-    height: cameraFinder
+    // The height the popup asks for, with every row shown. Computed rather than laid out, so
+    // that the host can place the popup before it opens. A host that keeps its popups within the
+    // window (margins) may get less, and the found cameras then scroll.
+    readonly property real naturalHeight: cameraFinder
             ? cameraFinder.cameras.size * 40
               + (cameraFinder.scanning || cameraFinder.cameras.size === 0 ? 28 : 0)
               + refreshButton.height + 8 + 40 + (lastCamera ? 64 : 0)
             : 0
+    height: naturalHeight
 
     // The last camera is read from its file whenever the finder or the file name changes, and
     // after every pick from the list.
@@ -111,6 +114,11 @@ Popup {
         color: mouseArea.containsMouse ? "#48484F" : "transparent"
         activeFocusOnTab: true
 
+        // A row reached from the keyboard scrolls into view.
+        onActiveFocusChanged: {
+            if (activeFocus && parent === cameraList)
+                cameraScroll.show(row)
+        }
         Keys.onReturnPressed: row.clicked()
         Keys.onEnterPressed: row.clicked()
         Keys.onSpacePressed: row.clicked()
@@ -218,29 +226,52 @@ Popup {
             width: popup.width - 16
             text: "Found Cameras"
         }
-        // The popup grows with its rows and never scrolls, so the rows are laid out as they are.
-        Column {
-            id: cameraList
-            objectName: "cameraList"
+        // Every found camera while the popup has the height it asks for; the rows scroll in
+        // what is left of a popup kept within a smaller window.
+        Flickable {
+            id: cameraScroll
+            objectName: "cameraScroll"
             width: popup.width - 16
+            height: cameraList.height - Math.max(0, popup.naturalHeight - popup.height)
+            contentWidth: width
+            contentHeight: cameraList.height
+            clip: true
+            boundsBehavior: Flickable.StopAtBounds
+            interactive: contentHeight > height
+            ScrollBar.vertical: ScrollBar {
+                policy: cameraScroll.interactive ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
+            }
 
-            Repeater {
-                model: popup.cameraFinder ? popup.cameraFinder.cameras : null
-                delegate: CameraRow {
-                    required property var model
-                    objectName: "cameraRow"
-                    width: cameraList.width
-                    textWidth: cameraList.width - 40
-                    camera: model.item
-                    onClicked: {
-                        if (model.item.canConnect) {
-                            const camera = model.item
-                            popup.close()
-                            popup.connect(camera)
-                            camera.save(popup.lastCameraFname)
-                            popup.reloadLastCamera()
-                        } else {
-                            popup.showCantConnect(model.item.errorMessage)
+            function show(row) {
+                if (row.y < contentY)
+                    contentY = row.y
+                else if (row.y + row.height > contentY + height)
+                    contentY = row.y + row.height - height
+            }
+
+            Column {
+                id: cameraList
+                objectName: "cameraList"
+                width: popup.width - 16
+
+                Repeater {
+                    model: popup.cameraFinder ? popup.cameraFinder.cameras : null
+                    delegate: CameraRow {
+                        required property var model
+                        objectName: "cameraRow"
+                        width: cameraList.width
+                        textWidth: cameraList.width - 40
+                        camera: model.item
+                        onClicked: {
+                            if (model.item.canConnect) {
+                                const camera = model.item
+                                popup.close()
+                                popup.connect(camera)
+                                camera.save(popup.lastCameraFname)
+                                popup.reloadLastCamera()
+                            } else {
+                                popup.showCantConnect(model.item.errorMessage)
+                            }
                         }
                     }
                 }

@@ -73,8 +73,8 @@ Dialog {
                     objectName: "cameraRow"
                     width: ListView.view.width
                     height: 40
-                    color: rowMouse.containsMouse && !ListView.isCurrentItem ? dialog.hoverColor // qmllint disable unqualified
-                                                                              : "transparent"
+                    // Over the highlight: the current row too takes the hover colour.
+                    color: rowMouse.containsMouse ? dialog.hoverColor : "transparent" // qmllint disable unqualified
 
                     Item {
                         id: iconCell

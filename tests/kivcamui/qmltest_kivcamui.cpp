@@ -75,6 +75,11 @@ public:
     {
         return QFile::exists(QUrl(url).toLocalFile());
     }
+    Q_INVOKABLE bool writeText(const QString& url, const QString& text)
+    {
+        QFile file(QUrl(url).toLocalFile());
+        return file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) == text.toUtf8().size();
+    }
     Q_INVOKABLE QString fileText(const QString& url)
     {
         QFile file(QUrl(url).toLocalFile());

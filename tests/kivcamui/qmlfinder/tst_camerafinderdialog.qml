@@ -119,6 +119,20 @@ Item {
             compare(dialog.highlightColor, "#22222b")
         }
 
+        function test_rowsTakeTheHoverColourTheCurrentOneToo() {
+            const dialog = makeDialog()
+            openAndWait(dialog)
+            select(dialog, "Bench camera")
+            const current = cameraRow(dialog, "Bench camera")
+            mouseMove(current, 100, 20)
+            compare(current.color, dialog.hoverColor)
+            const other = cameraRow(dialog, "Old camera")
+            compare(other.color, Qt.rgba(0, 0, 0, 0))
+            mouseMove(other, 100, 20)
+            compare(other.color, dialog.hoverColor)
+            compare(current.color, Qt.rgba(0, 0, 0, 0))
+        }
+
         function test_everyOpeningScans() {
             const dialog = makeDialog()
             const scans = createTemporaryObject(spyComponent, root,

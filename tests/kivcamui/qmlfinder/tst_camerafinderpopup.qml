@@ -206,20 +206,21 @@ Item {
         }
 
         function test_clickingTheLastCameraConnectsWithoutSaving() {
+            // Written by hand, as no save writes it: a save would show.
             const dir = fixture.tempDirUrl()
-            const saved = makeFinder().loadCameraInfoFromString(
-                "<camera><name>Mistral320</name><serial>MS-1</serial><identity>Saved</identity></camera>")
-            verify(saved.save(dir + "/lastCamera.xml"))
+            const text = "<?xml version=\"1.0\"?>\n<!-- by hand -->\n<camera><name>Mistral320</name>"
+                         + "<serial>MS-1</serial><identity>Saved</identity></camera>\n"
+            verify(fixture.writeText(dir + "/lastCamera.xml", text))
             const loader = makePopup(makeFinder(), dir)
             const popup = loader.item
+            verify(popup.lastCamera !== null)
             popup.open()
             tryCompare(popup, "opened", true)
             waitForItemPolished(popup.contentItem.parent)
-            const before = fixture.fileText(dir + "/lastCamera.xml")
             mouseClick(findByName(popup.contentItem, "lastCameraRow"))
             compare(loader.picked, ["Saved"])
             tryCompare(popup, "visible", false)
-            compare(fixture.fileText(dir + "/lastCamera.xml"), before)
+            compare(fixture.fileText(dir + "/lastCamera.xml"), text)
         }
 
         function test_aCameraThatCannotConnectExplainsWhy() {
@@ -281,6 +282,31 @@ Item {
             loader.item.cameraFinder.scan()
             openAndWait(loader.item)
             return loader
+        }
+
+        function test_aPopupGivenLessHeightScrollsItsCameras() {
+            const popup = openWithLastCamera(fixture.tempDirUrl()).item
+            const scroll = findByName(popup.contentItem, "cameraScroll")
+            compare(scroll.height, 3 * 40, "all rows while the popup has its own height")
+            compare(scroll.interactive, false)
+            // A host that keeps the popup within a small window.
+            popup.height = popup.naturalHeight - 70
+            compare(scroll.height, 50)
+            compare(scroll.interactive, true)
+            const refresh = findByName(popup.contentItem, "refreshButton")
+            tryVerify(() => refresh.mapToItem(popup.contentItem, 0, refresh.height).y <= popup.availableHeight,
+                      5000, "Refresh stays inside the popup")
+            // The keyboard brings each row it reaches into view.
+            const rows = popup.rows()
+            tryCompare(rows[0], "activeFocus", true)
+            keyClick(Qt.Key_Down)
+            keyClick(Qt.Key_Down)
+            keyClick(Qt.Key_Down)
+            compare(rows[3].activeFocus, true)
+            compare(scroll.contentY, 3 * 40 - 50)
+            keyClick(Qt.Key_Up)
+            keyClick(Qt.Key_Up)
+            compare(scroll.contentY, 0)
         }
 
         function test_keysMoveTheFocusBetweenTheRows() {
