@@ -3,8 +3,10 @@
 #include <kiv/PixelType.h>
 #include <kiv/strprintf.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <limits>
 
 namespace kiv::cam {
 
@@ -120,18 +122,24 @@ TSharedPtr<CImage> CGenICamPixels::Convert(
     if (!Describe(layout.format, pixelType, adBits, error))
         return {};
     const SFormat& format = *find(layout.format);
-    if (layout.width < 1 || layout.height < 1 || layout.xPadding < 0) {
+    const int channels = PixelTypeToChannelCount(pixelType);
+    const std::uint64_t width = static_cast<unsigned>(std::max(layout.width, 0));
+    const std::uint64_t height = static_cast<unsigned>(std::max(layout.height, 0));
+    const std::uint64_t lineBits = width * wireBits(format, channels);
+    const std::uint64_t lineBytes = (lineBits + 7) / 8;
+    const std::uint64_t stride = lineBytes + static_cast<unsigned>(std::max(layout.xPadding, 0));
+    // The sizes come from the camera: one whose bytes would not even fit 64 bits (which a
+    // hostile camera could make wrap around to a small number) is refused as well.
+    constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
+    const bool fits = layout.xPadding == 0
+        ? lineBits <= (most - 7) / std::max(height, std::uint64_t{1})
+        : stride <= (most - lineBytes) / std::max(height, std::uint64_t{1});
+    if (layout.width < 1 || layout.height < 1 || layout.xPadding < 0 || !fits) {
         error = strprintf("The camera sent a %s image of %d x %d pixels with %d bytes of line "
                           "padding, which cannot be shown.",
             format.name, layout.width, layout.height, layout.xPadding);
         return {};
     }
-    const int channels = PixelTypeToChannelCount(pixelType);
-    const std::uint64_t width = static_cast<unsigned>(layout.width);
-    const std::uint64_t height = static_cast<unsigned>(layout.height);
-    const std::uint64_t lineBits = width * wireBits(format, channels);
-    const std::uint64_t lineBytes = (lineBits + 7) / 8;
-    const std::uint64_t stride = lineBytes + static_cast<unsigned>(layout.xPadding);
     // Without padding the lines follow one another bit by bit, else byte-aligned.
     const std::uint64_t needed
         = layout.xPadding == 0 ? (height * lineBits + 7) / 8 : (height - 1) * stride + lineBytes;

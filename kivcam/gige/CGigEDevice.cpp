@@ -13,6 +13,7 @@
 #include <arv.h>
 #include <mutex>
 #include <set>
+#include <vector>
 
 namespace kiv::cam {
 
@@ -35,6 +36,33 @@ GInetAddress* inetAddress(std::uint32_t address)
     const guint8 bytes[4] = {static_cast<guint8>(address >> 24), static_cast<guint8>(address >> 16),
         static_cast<guint8>(address >> 8), static_cast<guint8>(address)};
     return g_inet_address_new_from_bytes(bytes, G_SOCKET_FAMILY_IPV4);
+}
+
+// Why a read of our control channel failed, for what the camera was asked.
+CString channelProblem(CGvcpChannel::EResult result, std::uint16_t status,
+    const SNetworkAdapter& adapter, std::uint32_t address, const char* asked)
+{
+    const CString camera = CNetworkAdapters::AddressText(address);
+    switch (result) {
+    case CGvcpChannel::REFUSED:
+        return strprintf("The camera at %s refused to tell %s (%s). Restart the camera, then "
+                         "search again.",
+            camera.data(), asked, gvcp::StatusText(status).data());
+    case CGvcpChannel::GARBLED:
+        return strprintf("The camera at %s was asked for %s and answered only with packets that "
+                         "are no valid answer (cut short, or for another command); it may be "
+                         "faulty, or another device answers for it. Restart the camera, then "
+                         "search again.",
+            camera.data(), asked);
+    case CGvcpChannel::STALLED:
+        return strprintf("The camera at %s was asked for %s and kept asking for more time, for "
+                         "%lld ms in all, without answering; it may be busy or faulty. Restart "
+                         "the camera, then search again.",
+            camera.data(), asked, static_cast<long long>(CGvcpChannel::LongestWait.count()));
+    default:
+        return strprintf("The camera at %s does not answer on the adapter \"%s\".", camera.data(),
+            adapter.name.data());
+    }
 }
 
 } // namespace
@@ -108,18 +136,26 @@ bool CGigEDevice::Open(SDeviceInfo info, bool exclusive, CString& error)
     std::uint16_t status = 0;
     const CGvcpChannel::EResult read
         = channel.ReadRegister(gvcp::REG_CONTROL_CHANNEL_PRIVILEGE, privilege, status);
-    channel.Close();
-    if (read == CGvcpChannel::NO_ANSWER || read == CGvcpChannel::FAILED) {
-        error = strprintf("The camera at %s does not answer on the adapter \"%s\".",
-            CNetworkAdapters::AddressText(address).data(), adapter.name.data());
-        return false;
-    }
     if ((read == CGvcpChannel::REFUSED && status == gvcp::STATUS_ACCESS_DENIED)
         || (read == CGvcpChannel::OK
             && privilege & (gvcp::PRIVILEGE_CONTROL | gvcp::PRIVILEGE_EXCLUSIVE))) {
         error = strprintf("The camera at %s is controlled by another host or program. Close "
                           "the program that uses it, or wait until it lets the camera go.",
             CNetworkAdapters::AddressText(address).data());
+        return false;
+    }
+    if (read != CGvcpChannel::OK) {
+        error = channelProblem(read, status, adapter, address, "its control register");
+        return false;
+    }
+    // Aravis reads the camera's memory first, and waits without end for a camera that keeps
+    // asking for more time; our channel gives up, so such a camera is refused here.
+    std::vector<std::uint8_t> url;
+    const CGvcpChannel::EResult urlRead
+        = channel.ReadMemory(gvcp::REG_FIRST_URL, gvcp::FirstUrlSize, url, status);
+    channel.Close();
+    if (urlRead != CGvcpChannel::OK) {
+        error = channelProblem(urlRead, status, adapter, address, "where its GenICam file is");
         return false;
     }
     GInetAddress* adapterAddress = inetAddress(adapter.addresses[0].address);

@@ -3,6 +3,7 @@
 #include "CGvcpChannel.h"
 #include "Gvcp.h"
 
+#include <kiv/Platform.h>
 #include <kiv/strprintf.h>
 #include <kivcam/network/CNetworkAdapters.h>
 #include <kivcam/network/CUdpSocket.h>
@@ -25,14 +26,24 @@ std::uint64_t cameraKey(const gvcp::SDiscoveryAck& device)
 
 void readPrivilege(SGigECamera& camera, const gvcp::SAck& ack)
 {
-    if (ack.status == gvcp::STATUS_SUCCESS && ack.payloadSize >= 4) {
-        camera.privilege = gvcp::ReadUInt32(ack.payload);
+    if (gvcp::ReadRegisterAck(ack, camera.privilege)) {
         camera.control = camera.privilege & (gvcp::PRIVILEGE_EXCLUSIVE | gvcp::PRIVILEGE_CONTROL)
             ? SGigECamera::CONTROL_HELD
             : SGigECamera::CONTROL_FREE;
     } else if (ack.status == gvcp::STATUS_ACCESS_DENIED) {
         camera.control = SGigECamera::CONTROL_EXCLUSIVE;
     }
+}
+
+void reportFull(const SNetworkAdapter& adapter)
+{
+    const CString text = strprintf("kivcam: More than %d GigE Vision cameras answered on the "
+                                   "adapter \"%s\"; the first %d are shown and the other "
+                                   "answers dropped. Limit the adapters GigE Vision may use "
+                                   "(KIVCAM_GIGE_INTERFACES) to those of your cameras.\n",
+        CGigEDiscovery::MaxCamerasPerAdapter, adapter.name.data(),
+        CGigEDiscovery::MaxCamerasPerAdapter);
+    platform::DebugOutput(text.data());
 }
 
 } // namespace
@@ -54,6 +65,7 @@ bool CGigEDiscovery::Discover(const SNetworkAdapter& adapter, std::chrono::milli
     std::uint16_t nextId = DiscoveryId + 1;
     auto deadline = std::chrono::steady_clock::now() + wait;
     bool answering = true; // whether new cameras are still taken
+    bool full = false; // whether MaxCamerasPerAdapter answered
     std::vector<std::uint8_t> datagram;
     for (;;) {
         std::uint32_t from = 0;
@@ -86,8 +98,15 @@ bool CGigEDiscovery::Discover(const SNetworkAdapter& adapter, std::chrono::milli
         SGigECamera camera;
         if (!answering || ack.id != DiscoveryId || ack.status != gvcp::STATUS_SUCCESS
             || !gvcp::ParseDiscoveryAck(ack, camera.device)
-            || !byKey.emplace(cameraKey(camera.device), found.count()).second)
+            || byKey.count(cameraKey(camera.device)))
             continue;
+        if (found.count() == MaxCamerasPerAdapter) {
+            if (!full)
+                reportFull(adapter);
+            full = true;
+            continue;
+        }
+        byKey.emplace(cameraKey(camera.device), found.count());
         camera.adapter = adapter;
         if (SameSubnet(adapter, camera.device.address, camera.device.netmask)) {
             const std::uint16_t id = nextId++;

@@ -16,10 +16,17 @@ namespace kiv::cam {
 // adapter they are given; callers hand them only adapters the user allowed (CGigEConfig).
 class KIVCAM_EXPORT CGigEDiscovery {
 public:
+    // The most cameras one discovery takes from one adapter. Anything on the network may answer,
+    // and a broken or hostile host may answer with endless different MAC addresses; beyond this
+    // many, answers are dropped (and the debug output says so once), which keeps memory and the
+    // reads of control registers bounded. Far more than cameras share one adapter in practice.
+    static constexpr int MaxCamerasPerAdapter = 256;
+
     // Broadcasts a discovery command through the adapter and collects answers for wait, one per
-    // camera; then reads the control register of each camera in the adapter's subnet, waiting a
-    // little longer only for reads still unanswered. Appends the cameras in the order they
-    // answered. False when the adapter's socket cannot be used or stop is requested.
+    // camera, up to MaxCamerasPerAdapter; then reads the control register of each camera in the
+    // adapter's subnet, waiting a little longer only for reads still unanswered. Appends the
+    // cameras in the order they answered. False when the adapter's socket cannot be used or stop is
+    // requested.
     static bool Discover(const SNetworkAdapter& adapter, std::chrono::milliseconds wait,
         TArray<SGigECamera>& out, const std::stop_token& stop);
 

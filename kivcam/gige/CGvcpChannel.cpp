@@ -1,16 +1,8 @@
 #include "CGvcpChannel.h"
 
-#include "Gvcp.h"
-
 #include <algorithm>
 
 namespace kiv::cam {
-
-namespace {
-
-constexpr int MaxPending = 4;
-
-} // namespace
 
 bool CGvcpChannel::Open(const SNetworkAdapter& adapter, std::uint32_t address, CString& error)
 {
@@ -28,23 +20,22 @@ void CGvcpChannel::Close()
 CGvcpChannel::EResult CGvcpChannel::ReadRegister(
     std::uint32_t address, std::uint32_t& value, std::uint16_t& status, const std::stop_token& stop)
 {
-    std::vector<std::uint8_t> payload;
-    const EResult result
-        = Transact(gvcp::ReadRegisterCommand(0, address), gvcp::READREG_ACK, payload, status, stop);
+    std::vector<std::uint8_t> datagram;
+    gvcp::SAck ack;
+    const EResult result = Transact(
+        gvcp::ReadRegisterCommand(0, address), gvcp::READREG_ACK, datagram, ack, status, stop);
     if (result != OK)
         return result;
-    if (payload.size() < 4)
-        return FAILED;
-    value = gvcp::ReadUInt32(payload.data());
-    return OK;
+    return gvcp::ReadRegisterAck(ack, value) ? OK : GARBLED;
 }
 
 CGvcpChannel::EResult CGvcpChannel::WriteRegister(
     std::uint32_t address, std::uint32_t value, std::uint16_t& status, const std::stop_token& stop)
 {
-    std::vector<std::uint8_t> payload;
-    return Transact(
-        gvcp::WriteRegisterCommand(0, address, value), gvcp::WRITEREG_ACK, payload, status, stop);
+    std::vector<std::uint8_t> datagram;
+    gvcp::SAck ack;
+    return Transact(gvcp::WriteRegisterCommand(0, address, value), gvcp::WRITEREG_ACK, datagram,
+        ack, status, stop);
 }
 
 CGvcpChannel::EResult CGvcpChannel::ReadMemory(std::uint32_t address, std::uint16_t size,
@@ -52,22 +43,20 @@ CGvcpChannel::EResult CGvcpChannel::ReadMemory(std::uint32_t address, std::uint1
 {
     if (size % 4 || size > gvcp::MaxReadMemory)
         return FAILED;
-    std::vector<std::uint8_t> payload;
+    std::vector<std::uint8_t> datagram;
+    gvcp::SAck ack;
     const EResult result = Transact(
-        gvcp::ReadMemoryCommand(0, address, size), gvcp::READMEM_ACK, payload, status, stop);
+        gvcp::ReadMemoryCommand(0, address, size), gvcp::READMEM_ACK, datagram, ack, status, stop);
     if (result != OK)
         return result;
-    // The answer repeats the address before the data.
-    if (payload.size() < 4u + size)
-        return FAILED;
-    data.assign(payload.begin() + 4, payload.begin() + 4 + size);
-    return OK;
+    return gvcp::ReadMemoryAck(ack, address, size, data) ? OK : GARBLED;
 }
 
 CGvcpChannel::EResult CGvcpChannel::Transact(std::vector<std::uint8_t> command,
-    std::uint16_t ackCommand, std::vector<std::uint8_t>& payload, std::uint16_t& status,
-    const std::stop_token& stop)
+    std::uint16_t ackCommand, std::vector<std::uint8_t>& datagram, gvcp::SAck& ack,
+    std::uint16_t& status, const std::stop_token& stop)
 {
+    using std::chrono::steady_clock;
     std::lock_guard lock(m_mutex);
     status = 0;
     if (!m_socket.isOpen())
@@ -77,12 +66,13 @@ CGvcpChannel::EResult CGvcpChannel::Transact(std::vector<std::uint8_t> command,
     m_nextId = static_cast<std::uint16_t>(m_nextId == 0xFFFF ? 1 : m_nextId + 1);
     command[6] = static_cast<std::uint8_t>(id >> 8);
     command[7] = static_cast<std::uint8_t>(id);
-    std::vector<std::uint8_t> datagram;
-    for (int attempt = 0; attempt < Attempts; ++attempt) {
+    const steady_clock::time_point end = steady_clock::now() + LongestWait;
+    bool pending = false; // the camera asked for more time
+    bool garbled = false; // the camera sent something that was no answer to this command
+    for (int attempt = 0; attempt < Attempts && steady_clock::now() < end; ++attempt) {
         if (!m_socket.SendTo(m_address, gvcp::Port, command))
             return FAILED;
-        auto deadline = std::chrono::steady_clock::now() + AnswerWait;
-        int pending = 0;
+        steady_clock::time_point deadline = std::min(steady_clock::now() + AnswerWait, end);
         for (;;) {
             std::uint32_t from = 0;
             std::uint16_t fromPort = 0;
@@ -94,27 +84,25 @@ CGvcpChannel::EResult CGvcpChannel::Transact(std::vector<std::uint8_t> command,
                 return FAILED;
             if (received == CUdpSocket::TIMED_OUT)
                 break;
-            gvcp::SAck ack;
-            if (from != m_address || !gvcp::ParseAck(datagram, ack) || ack.id != id)
-                continue; // a late answer to an earlier command, or a stranger
-            if (ack.command == gvcp::PENDING_ACK && ack.payloadSize >= 4) {
-                // The camera needs longer and says how much; a camera that keeps asking for
-                // more is given up on after a few times.
-                if (++pending > MaxPending)
-                    break;
-                const int more = std::min((ack.payload[2] << 8) | ack.payload[3], 5000);
-                deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(more)
-                    + AnswerWait;
-                continue;
+            if (from != m_address)
+                continue; // a stranger
+            std::uint32_t more = 0;
+            const gvcp::EAnswer answer = gvcp::ReadAnswer(datagram, id, ackCommand, ack, more);
+            if (answer == gvcp::ANSWER_FINAL) {
+                status = ack.status;
+                return ack.status == gvcp::STATUS_SUCCESS ? OK : REFUSED;
             }
-            if (ack.command != ackCommand)
-                continue;
-            status = ack.status;
-            payload.assign(ack.payload, ack.payload + ack.payloadSize);
-            return ack.status == gvcp::STATUS_SUCCESS ? OK : REFUSED;
+            if (answer == gvcp::ANSWER_PENDING) {
+                // The camera needs longer and says how much, within LongestWait in all.
+                pending = true;
+                deadline = std::min(
+                    steady_clock::now() + std::chrono::milliseconds(more) + AnswerWait, end);
+            } else {
+                garbled = true;
+            }
         }
     }
-    return NO_ANSWER;
+    return pending ? STALLED : garbled ? GARBLED : NO_ANSWER;
 }
 
 } // namespace kiv::cam

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <kiv/CString.h>
+#include <kivcam/gige/Gvcp.h>
 #include <kivcam/kivcam_export.h>
 #include <kivcam/network/CUdpSocket.h>
 #include <kivcam/network/SNetworkAdapter.h>
@@ -22,6 +23,8 @@ public:
         OK, // answered with success
         REFUSED, // answered with an error status
         NO_ANSWER, // no answer after every attempt
+        GARBLED, // answers, but none a valid one to the command: cut short, of another command
+        STALLED, // the camera kept asking for more time (PENDING_ACK) until LongestWait
         STOPPED,
         FAILED, // the channel is closed or the system refused to send
     };
@@ -29,6 +32,10 @@ public:
     // How long one attempt waits for its answer, and how many attempts a command makes.
     static constexpr std::chrono::milliseconds AnswerWait{200};
     static constexpr int Attempts = 3;
+    // The longest one command waits in all, however often the camera asks for more time: a
+    // camera that keeps sending PENDING_ACK, busy, broken or hostile, must not hold its caller
+    // for ever. Far above what the commands of this channel take on a working camera.
+    static constexpr std::chrono::milliseconds LongestWait{3000};
 
     // Opens the channel to the camera at address through the adapter.
     bool Open(const SNetworkAdapter& adapter, std::uint32_t address, CString& error);
@@ -46,8 +53,10 @@ public:
         std::uint16_t& status, const std::stop_token& stop = {});
 
 private:
+    // Sends the command and waits for its answer, which ack describes (within datagram).
     EResult Transact(std::vector<std::uint8_t> command, std::uint16_t ackCommand,
-        std::vector<std::uint8_t>& payload, std::uint16_t& status, const std::stop_token& stop);
+        std::vector<std::uint8_t>& datagram, gvcp::SAck& ack, std::uint16_t& status,
+        const std::stop_token& stop);
 
     std::mutex m_mutex;
     CUdpSocket m_socket;

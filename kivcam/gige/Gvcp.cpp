@@ -126,6 +126,40 @@ bool ParseDiscoveryAck(const SAck& ack, SDiscoveryAck& device)
     return true;
 }
 
+EAnswer ReadAnswer(const std::vector<std::uint8_t>& datagram, std::uint16_t id,
+    std::uint16_t ackCommand, SAck& ack, std::uint32_t& pendingMs)
+{
+    if (!ParseAck(datagram, ack))
+        return ANSWER_NONE;
+    if (ack.id != id)
+        return ANSWER_OTHER; // a late answer to an earlier command, or a stranger
+    // PENDING_ACK: two reserved bytes, then the milliseconds the camera asks for.
+    if (ack.command == PENDING_ACK && ack.payloadSize >= 4) {
+        pendingMs = read16(ack.payload + 2);
+        return ANSWER_PENDING;
+    }
+    return ack.command == ackCommand ? ANSWER_FINAL : ANSWER_OTHER;
+}
+
+bool ReadRegisterAck(const SAck& ack, std::uint32_t& value)
+{
+    if (ack.command != READREG_ACK || ack.status != STATUS_SUCCESS || ack.payloadSize < 4)
+        return false;
+    value = ReadUInt32(ack.payload);
+    return true;
+}
+
+bool ReadMemoryAck(
+    const SAck& ack, std::uint32_t address, std::uint16_t size, std::vector<std::uint8_t>& data)
+{
+    // The answer repeats the address before the data.
+    if (ack.command != READMEM_ACK || ack.status != STATUS_SUCCESS
+        || ack.payloadSize < std::size_t{4} + size || ReadUInt32(ack.payload) != address)
+        return false;
+    data.assign(ack.payload + 4, ack.payload + 4 + size);
+    return true;
+}
+
 std::uint32_t ReadUInt32(const std::uint8_t* data)
 {
     return (std::uint32_t{read16(data)} << 16) | read16(data + 2);

@@ -52,6 +52,7 @@ enum ERegister : std::uint32_t {
     REG_MAC_LOW = 0x000C,
     REG_CURRENT_IP = 0x0024,
     REG_MODEL_NAME = 0x0068, // 32 bytes of text
+    REG_FIRST_URL = 0x0200, // 512 bytes of text: where the camera's GenICam file is
     REG_HEARTBEAT_TIMEOUT = 0x0938, // milliseconds
     REG_CONTROL_CHANNEL_PRIVILEGE = 0x0A00,
 };
@@ -66,6 +67,7 @@ constexpr std::size_t HeaderSize = 8;
 constexpr std::size_t DiscoveryAckSize = 0xF8;
 // The largest block READMEM may ask for.
 constexpr std::uint16_t MaxReadMemory = 536;
+constexpr std::uint16_t FirstUrlSize = 512;
 
 // The header of an answer, and its payload within the datagram it was read from.
 struct SAck {
@@ -112,6 +114,25 @@ KIVCAM_EXPORT std::vector<std::uint8_t> ForceIpCommand(std::uint16_t id, std::ui
 KIVCAM_EXPORT bool ParseAck(const std::vector<std::uint8_t>& datagram, SAck& ack);
 // Reads a discovery answer's payload; false when it is too short.
 KIVCAM_EXPORT bool ParseDiscoveryAck(const SAck& ack, SDiscoveryAck& device);
+
+// What one datagram from the camera is to a command waiting for its answer.
+enum EAnswer {
+    ANSWER_NONE, // not an answer: shorter than a header, or its payload runs past the datagram
+    ANSWER_OTHER, // an answer to another command: another identifier or command code
+    ANSWER_PENDING, // the camera needs more time, as long as the PENDING_ACK asks for
+    ANSWER_FINAL, // the answer to the command, whatever its status
+};
+// Takes one datagram for the command of that identifier, which waits for an answer of the
+// command code ackCommand; ack is filled in for ANSWER_OTHER, ANSWER_PENDING and ANSWER_FINAL,
+// and pendingMs (the time the camera asks for) for ANSWER_PENDING.
+KIVCAM_EXPORT EAnswer ReadAnswer(const std::vector<std::uint8_t>& datagram, std::uint16_t id,
+    std::uint16_t ackCommand, SAck& ack, std::uint32_t& pendingMs);
+// The value of a register read's successful answer; false when the payload has none.
+KIVCAM_EXPORT bool ReadRegisterAck(const SAck& ack, std::uint32_t& value);
+// The size bytes at address of a memory read's successful answer; false when the answer names
+// another address or holds fewer bytes.
+KIVCAM_EXPORT bool ReadMemoryAck(
+    const SAck& ack, std::uint32_t address, std::uint16_t size, std::vector<std::uint8_t>& data);
 
 KIVCAM_EXPORT std::uint32_t ReadUInt32(const std::uint8_t* data);
 // Text of a fixed-size field: up to its first zero byte; bytes outside printable ASCII become '?'.

@@ -87,6 +87,36 @@ inline std::unique_ptr<CPeer> startCameras(const QStringList& cameras, int heart
                                                                                : nullptr;
 }
 
+// A hostile or broken camera on the loopback (peers/hostilegvcp.cpp), answering as mode says.
+inline std::unique_ptr<CPeer> startHostile(const QString& mode, const QString& number = {})
+{
+    auto peer = std::make_unique<CPeer>();
+    QStringList arguments{mode};
+    if (!number.isEmpty())
+        arguments << number;
+    return peer->Start(QStringLiteral("hostile-gvcp"), arguments, "ready") ? std::move(peer)
+                                                                           : nullptr;
+}
+
+// The peak resident memory of this process (VmHWM) in KiB, after resetPeakMemory() the peak since
+// then; -1 where it cannot be read.
+inline long peakMemoryKiB()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').value(0).toLong();
+    }
+    return -1;
+}
+inline bool resetPeakMemory()
+{
+    QFile clear(QStringLiteral("/proc/self/clear_refs"));
+    return clear.open(QIODevice::WriteOnly) && clear.write("5") == 1;
+}
+
 // Waits until the adapter carries traffic: a link just set up drops what is sent until the
 // system has attached it, a moment later.
 inline bool waitRunning(const char* adapter)

@@ -7,6 +7,7 @@
 #include <kivcam/gige/Gvcp.h>
 #include <kivcam/network/CNetworkAdapters.h>
 
+#include <QElapsedTimer>
 #include <QtTest>
 
 #include <mutex>
@@ -267,6 +268,46 @@ private slots:
         QVERIFY(!device.open(record(address.constData(), adapter.constData()), true));
         QVERIFY(!device.isOpen());
         QVERIFY2(str(device.errorMessage()).contains(reason), device.errorMessage().c_str());
+    }
+
+    // A camera that answers its reads with nonsense, or asks for more time without end, is
+    // refused within CGvcpChannel::LongestWait and a margin, saying what it did; Aravis, which
+    // would wait for it for ever, never sees it.
+    void hostileCamerasAreRefusedInTime_data()
+    {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<QByteArray>("reason");
+        QTest::newRow("pending register reads")
+            << "pending"
+            << QByteArray("was asked for its control register and kept asking for more time");
+        QTest::newRow("pending memory reads")
+            << "pending-memory"
+            << QByteArray("was asked for where its GenICam file is and kept asking for more time");
+        QTest::newRow("garbled answers")
+            << "garbled"
+            << QByteArray("was asked for its control register and answered only with packets "
+                          "that are no valid answer");
+    }
+    void hostileCamerasAreRefusedInTime()
+    {
+        QFETCH(QString, mode);
+        QFETCH(QByteArray, reason);
+        const auto hostile = startHostile(mode);
+        QVERIFY(hostile);
+        CGigEDevice device;
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(!device.open(record("127.0.0.1"), false));
+        const qint64 elapsed = timer.elapsed();
+        qInfo("%s: refused after %lld ms", QTest::currentDataTag(), elapsed);
+        QVERIFY(!device.isOpen());
+        QVERIFY(!CGigEDevice::ControlledHere(0x7F000001));
+        QVERIFY2(str(device.errorMessage()).contains(reason), device.errorMessage().c_str());
+        QVERIFY2(str(device.errorMessage()).contains("The camera at 127.0.0.1"),
+            device.errorMessage().c_str());
+        // Two reads at most, each within LongestWait.
+        QVERIFY2(
+            elapsed < 2 * CGvcpChannel::LongestWait.count() + 1000, QByteArray::number(elapsed));
     }
 
     void aHandMadeRecordFindsItsAdapterBySubnet()

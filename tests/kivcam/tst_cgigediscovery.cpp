@@ -1,5 +1,6 @@
 #include "GigETest.h"
 
+#include <kiv/Platform.h>
 #include <kivcam/gige/CGigEDiscovery.h>
 #include <kivcam/gige/Gvcp.h>
 #include <kivcam/network/CNetworkAdapters.h>
@@ -7,6 +8,7 @@
 #include <QElapsedTimer>
 #include <QtTest>
 
+#include <set>
 #include <thread>
 
 using namespace gigetest;
@@ -25,6 +27,41 @@ std::uint32_t address(const char* text)
     std::uint32_t value = 0;
     CNetworkAdapters::ParseAddress(text, value);
     return value;
+}
+
+// How far beyond its wait a discovery may end, whatever answers it gets: the last control
+// register reads get CGvcpChannel::AnswerWait, the rest is slack for a loaded machine.
+constexpr qint64 DiscoveryMarginMs = 1000;
+constexpr auto HostileWait = std::chrono::milliseconds(500);
+
+QByteArray debugOutput;
+void captureDebugOutput(const char* text)
+{
+    debugOutput += text;
+}
+
+// A discovery on the loopback, with its time and the growth of the process's peak memory, which
+// it also prints for the record.
+struct SMeasured {
+    bool ok = false;
+    TArray<SGigECamera> found;
+    qint64 ms = 0;
+    long peakGrowthKiB = 0;
+};
+SMeasured measuredDiscovery(const char* what)
+{
+    SMeasured result;
+    const bool reset = resetPeakMemory();
+    const long before = peakMemoryKiB();
+    QElapsedTimer timer;
+    timer.start();
+    result.ok = CGigEDiscovery::Discover(adapter("lo"), HostileWait, result.found, {});
+    result.ms = timer.elapsed();
+    result.peakGrowthKiB = peakMemoryKiB() - before;
+    qInfo("%s: %d cameras, %lld ms for a wait of %lld ms, peak memory %+ld KiB%s", what,
+        result.found.count(), result.ms, static_cast<long long>(HostileWait.count()),
+        result.peakGrowthKiB, reset ? "" : " (peak not reset: an upper bound)");
+    return result;
 }
 
 const SGigECamera* bySerial(const TArray<SGigECamera>& cameras, const char* serial)
@@ -110,6 +147,69 @@ private slots:
         stopper.join();
         QVERIFY(!ok);
         QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    // A broken or hostile camera neither prolongs discovery nor slips a malformed answer in.
+    void hostileAnswersEndInTime_data()
+    {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<QString>("number");
+        QTest::addColumn<int>("cameras");
+        QTest::newRow("truncated") << "truncated" << QString() << 0;
+        // The 64 KiB datagram holds a good answer, with a true length, and counts.
+        QTest::newRow("oversized") << "oversized" << QString() << 1;
+        QTest::newRow("wrong key") << "wrong-key" << QString() << 0;
+        QTest::newRow("wrong id") << "wrong-id" << QString() << 0;
+        QTest::newRow("late") << "late" << QString::number(HostileWait.count() + 300) << 0;
+        QTest::newRow("duplicates") << "duplicates" << QString() << 1;
+        QTest::newRow("pending control register") << "pending" << QString() << 1;
+    }
+    void hostileAnswersEndInTime()
+    {
+        QFETCH(QString, mode);
+        QFETCH(QString, number);
+        QFETCH(int, cameras);
+        const auto hostile = startHostile(mode, number);
+        QVERIFY(hostile);
+        const SMeasured discovery = measuredDiscovery(QTest::currentDataTag());
+        QVERIFY(discovery.ok);
+        QCOMPARE(discovery.found.count(), cameras);
+        QVERIFY2(discovery.ms >= HostileWait.count(), QByteArray::number(discovery.ms));
+        QVERIFY2(discovery.ms < HostileWait.count() + DiscoveryMarginMs,
+            QByteArray::number(discovery.ms));
+        if (cameras) {
+            QCOMPARE(str(discovery.found[0].device.serial), QByteArray("HOSTILE-1"));
+            QCOMPARE(discovery.found[0].device.mac, std::uint64_t{0x020000000BAD});
+        }
+    }
+
+    // 100,000 cameras answer: the first MaxCamerasPerAdapter are kept, the cap is said once, and
+    // memory stays bounded.
+    void aFloodOfCamerasStopsAtTheCap()
+    {
+        const auto hostile = startHostile(QStringLiteral("flood"), QStringLiteral("100000"));
+        QVERIFY(hostile);
+        debugOutput.clear();
+        platform::SetDebugOutputHandler(captureDebugOutput);
+        const SMeasured discovery = measuredDiscovery("flood");
+        platform::SetDebugOutputHandler(nullptr);
+        QVERIFY(discovery.ok);
+        QCOMPARE(discovery.found.count(), CGigEDiscovery::MaxCamerasPerAdapter);
+        QVERIFY2(discovery.ms < HostileWait.count() + DiscoveryMarginMs,
+            QByteArray::number(discovery.ms));
+        // Each camera kept takes about a kilobyte; 100,000 of them would take a hundred megabytes.
+        QVERIFY2(discovery.peakGrowthKiB < 16 * 1024, QByteArray::number(discovery.peakGrowthKiB));
+        QCOMPARE(debugOutput.count("More than 256 GigE Vision cameras answered on the adapter "
+                                   "\"lo\""),
+            1);
+        // Each camera once (the system drops some of the flood before it is read).
+        std::set<std::uint64_t> macs;
+        for (const SGigECamera& camera : discovery.found) {
+            QVERIFY(camera.device.mac > 0x020000000BAD);
+            QVERIFY(camera.device.mac <= 0x020000000BAD + 100000);
+            macs.insert(camera.device.mac);
+        }
+        QCOMPARE(macs.size(), std::size_t{256});
     }
 
     void aMissingAdapterFails()
