@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // What the two device discovery models cost the GUI thread over a whole cycle (a search
 // started with results on screen, its results in a visible ListView, a second search, its
 // results), on emulated worlds written for the purpose: a transport that carries control and

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // Figures of the two editors, per call:
 //  (a) paint() at an item size of 1920 x 1080, into an image of that size, in the situations
 //      a user meets: the first paint after a change of size or flip, and the repaints during a

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // Live pictures from an emulated camera to its controller panel: the default world's Jasper640
 // (640 x 512, 14 bits, 60 images a second) in the sample plugin's panel, or, with "genicam", the
 // emulated GenICam camera GC-0001 (512 x 512 Mono8, set to 120 images a second, twice what a

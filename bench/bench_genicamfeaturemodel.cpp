@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The GUI thread's cost of the GenICam panel's feature tree: building the model for a tree of
 // 1,000 features (from a controller of the benchmark's own), the tree replaced as a connect
 // replaces it, and a change of 50 rows as a write announces it. Each figure is the best and the

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The GigE Vision stream of our frame source against Aravis's own test tool, side by side on the
 // same camera: Aravis's fake GigE Vision camera (built with the tests as fake-gige-camera) on the
 // loopback adapter of a network namespace of its own, 512 x 512 Mono8, at its top rate and at 25

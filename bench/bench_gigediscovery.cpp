@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // GigE Vision discovery on the loopback adapter of a network namespace of its own, against
 // Aravis's fake cameras (built with the tests as fake-gige-camera):
 //  (a) how long a discovery takes beyond its configured wait, with 0, 1 and 8 cameras

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // Load time against the number of parameters, which must grow linearly:
 //  (a) the time and peak memory of loading a description and a world as large as their bounds;
 //  (b) building a parameter list with CParameters::Add, 1k to 1M entries;

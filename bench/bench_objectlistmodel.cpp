@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // Times push_back of many items into an ObjectListModel that a visible ListView shows, then
 // removeAll, and prints the cost per item. Not a test: run it by hand, e.g.
 //   QT_QPA_PLATFORM=offscreen build/bin/bench_objectlistmodel 10000

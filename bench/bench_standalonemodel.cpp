@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The time from StandaloneModel::connect to `connected`, on an emulated camera whose device
 // opens and whose controller connects at once, against the latency of the global thread pool
 // itself: an empty task started with QtConcurrent::run and seen finished through a

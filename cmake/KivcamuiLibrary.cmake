@@ -1,3 +1,6 @@
+# Copyright (C) 2026 The kivcamui authors
+# SPDX-License-Identifier: BSD-3-Clause
+
 # kivcamui_library(<target> DESCRIPTION <text> HEADERS <headers...> [REQUIRES <pkg-config modules...>])
 #
 # Makes a shared library of this project (added before with add_library) an installed one: its

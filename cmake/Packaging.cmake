@@ -1,3 +1,6 @@
+# Copyright (C) 2026 The kivcamui authors
+# SPDX-License-Identifier: BSD-3-Clause
+
 # What the install adds beyond each library's own rules (KivcamuiLibrary.cmake): the CMake
 # package, the documentation, and the Debian package made from it all by CPack.
 include(CMakePackageConfigHelpers)

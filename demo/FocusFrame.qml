@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 import QtQuick
 
 // The demo's keyboard focus mark: a frame around its parent while shown, which its owner binds

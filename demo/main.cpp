@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The demo host: an imaging application's window around the library. A camera button in the
 // toolbar opens the camera finder popup, "Find cameras..." the camera finder dialog; the chosen
 // camera is connected by a StandaloneModel and its controller panel shown; "Custom camera..."

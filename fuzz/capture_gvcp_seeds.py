@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# Copyright (C) 2026 The kivcamui authors
+# SPDX-License-Identifier: BSD-3-Clause
 """Writes the seeds of fuzz_gvcp_ack: the answers of the test peers fake-gige-camera (Aravis's
 fake camera) and gvcp-responder to the commands the camera library sends, captured over the
 loopback of a network namespace this script makes for itself (unshare -rn), plus a few cut short.

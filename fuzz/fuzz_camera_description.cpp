@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // libFuzzer target: any bytes handed to SCameraInfo::Load as a camera description must give
 // true or false, never a crash, a leak or undefined behaviour; and every text of a description
 // that loads is valid UTF-8 of characters XML allows, ready to be saved as it is.

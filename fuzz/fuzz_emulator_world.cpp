@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // libFuzzer target: any bytes read as an emulator world must give a world, empty when they are
 // not one, with its problem reported in one line; never a crash, a leak, undefined behaviour or
 // a hang; and every name of a world that loads is valid UTF-8 of characters XML allows.

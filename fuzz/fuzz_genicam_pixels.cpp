@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // libFuzzer target: a picture buffer as a GenICam camera sends it, turned into an image by
 // CGenICamPixels::Convert. The first 16 bytes pick the layout (a pixel format of the table, or
 // any code; width, height and line padding, any 32-bit values), the rest are the pixels. Convert

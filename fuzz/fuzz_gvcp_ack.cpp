@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // libFuzzer target: any datagram that reaches a GigE Vision socket of the camera library, read
 // as discovery and the control channel read it: gvcp::ParseAck, then by command the discovery
 // answer, a register read's value, a memory read's data and a PENDING_ACK's time, with

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 #pragma once
 
 // Paths that name something other than a regular file, for the tests of everything that reads

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The controller panel of the emulated cameras. The host loads it with the controller model:
 // it sets cameraModel (StandaloneModel.cameraModel) on the loaded item.
 import QtQuick

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The entry of the sample controller UI plugin: it registers the creator of the emulated
 // cameras' panel, and the QML types of that panel: its model and its live picture.
 

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The feature tree of a GenICam camera: categories that open and close, and for each feature the
 // editor its type calls for. A value goes to the camera when it is entered; a refused one shows
 // the reason under its row, and the row keeps the value the camera holds.

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The entry of the GenICam controller UI plugin: it registers the creator of the GenICam
 // cameras' panel, and the QML types of that panel.
 

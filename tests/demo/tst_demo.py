@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# Copyright (C) 2026 The kivcamui authors
+# SPDX-License-Identifier: BSD-3-Clause
 """The demo host end to end, in a real X window driven by real input events.
 
 Starts a private Xvfb, runs kivcamui-demo --trace on it over the test's own emulated world and

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 #include "../HostileFiles.h"
 
 #include <kiv/CFileSystem.h>

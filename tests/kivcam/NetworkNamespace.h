@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 #pragma once
 
 // Runs a network test inside a network namespace of its own, so that nothing it sends can reach

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 #pragma once
 
 // Plugging fake devices in and out of the fake udev world (umockdev) of a test that CTest runs

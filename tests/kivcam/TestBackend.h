@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 #pragma once
 
 // A backend for the catalogue tests, registered by every test that includes this header. Its

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 #pragma once
 
 // Helpers of the USB3 Vision tests. CTest runs them through umockdev-wrapper, which shows each

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The GenICam controller on the emulated GenICam camera: Aravis's fake camera in this process,
 // described by the camera library's own GenICam file. Nothing here touches a network.
 

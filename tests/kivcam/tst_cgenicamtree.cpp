@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The checks a GenICam write passes before it goes to the camera, and the fitting of window
 // values to a feature's rules: pure functions of a feature row, tested without a camera. Reading
 // a real tree is tested with the emulated GenICam camera (tst_cgenicamcontroller).

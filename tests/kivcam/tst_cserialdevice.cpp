@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 #include <kivcam/CCameras.h>
 #include <kivcam/CControllerFactory.h>
 #include <kivcam/CInterfaces.h>

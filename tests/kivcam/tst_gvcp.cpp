@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 #include <kivcam/gige/Gvcp.h>
 
 #include <QtTest>
@@ -103,6 +106,73 @@ private slots:
         QCOMPARE(ack.id, std::uint16_t{5});
         QCOMPARE(ack.payloadSize, std::size_t{4});
         QCOMPARE(gvcp::ReadUInt32(ack.payload), 2u);
+    }
+
+    void answersAreSortedForTheCommandThatWaits()
+    {
+        gvcp::SAck ack;
+        std::uint32_t pending = 0;
+        // Not an answer at all: too short, or a length past the datagram.
+        QCOMPARE(gvcp::ReadAnswer(datagram("000000810004"), 5, gvcp::READREG_ACK, ack, pending),
+            gvcp::ANSWER_NONE);
+        QCOMPARE(gvcp::ReadAnswer(
+                     datagram("000000810008000500000002"), 5, gvcp::READREG_ACK, ack, pending),
+            gvcp::ANSWER_NONE);
+        // Another command's identifier, or another command's answer.
+        QCOMPARE(gvcp::ReadAnswer(
+                     datagram("00000081000400040000002a"), 5, gvcp::READREG_ACK, ack, pending),
+            gvcp::ANSWER_OTHER);
+        QCOMPARE(gvcp::ReadAnswer(
+                     datagram("00000083000400050000002a"), 5, gvcp::READREG_ACK, ack, pending),
+            gvcp::ANSWER_OTHER);
+        // More time, as much as the camera asks for.
+        QCOMPARE(gvcp::ReadAnswer(
+                     datagram("000000890004000500000bb8"), 5, gvcp::READREG_ACK, ack, pending),
+            gvcp::ANSWER_PENDING);
+        QCOMPARE(pending, 3000u);
+        // A PENDING_ACK too short to say how long is no answer to wait on.
+        QCOMPARE(
+            gvcp::ReadAnswer(datagram("0000008900020005000b"), 5, gvcp::READREG_ACK, ack, pending),
+            gvcp::ANSWER_OTHER);
+        // The answer, whatever its status.
+        QCOMPARE(gvcp::ReadAnswer(
+                     datagram("80060081000400050000002a"), 5, gvcp::READREG_ACK, ack, pending),
+            gvcp::ANSWER_FINAL);
+        QCOMPARE(ack.status, std::uint16_t{gvcp::STATUS_ACCESS_DENIED});
+    }
+
+    void registerAndMemoryReadsGiveTheirValues()
+    {
+        // The answers' payloads point into their datagrams, which live as long as the test.
+        const std::vector<std::uint8_t> read = datagram("00000081000400050000002a");
+        const std::vector<std::uint8_t> refused = datagram("80060081000400050000002a");
+        const std::vector<std::uint8_t> shortRead = datagram("000000810002000500000000");
+        const std::vector<std::uint8_t> memory = datagram("000000850008000600000200616263ff");
+        gvcp::SAck ack;
+        std::uint32_t value = 0;
+        QVERIFY(gvcp::ParseAck(read, ack));
+        QVERIFY(gvcp::ReadRegisterAck(ack, value));
+        QCOMPARE(value, 42u);
+        // Refused, too short, or a memory answer: no value.
+        value = 7;
+        QVERIFY(gvcp::ParseAck(refused, ack));
+        QVERIFY(!gvcp::ReadRegisterAck(ack, value));
+        QVERIFY(gvcp::ParseAck(shortRead, ack));
+        QVERIFY(!gvcp::ReadRegisterAck(ack, value));
+        QVERIFY(gvcp::ParseAck(memory, ack));
+        QVERIFY(!gvcp::ReadRegisterAck(ack, value));
+        QCOMPARE(value, 7u);
+
+        std::vector<std::uint8_t> data;
+        QVERIFY(gvcp::ReadMemoryAck(ack, 0x200, 4, data));
+        QCOMPARE(bytes(data), QByteArray("abc\xff"));
+        QVERIFY(gvcp::ReadMemoryAck(ack, 0x200, 2, data));
+        QCOMPARE(bytes(data), QByteArray("ab"));
+        // Another address, more bytes than came, or a register answer.
+        QVERIFY(!gvcp::ReadMemoryAck(ack, 0x204, 4, data));
+        QVERIFY(!gvcp::ReadMemoryAck(ack, 0x200, 5, data));
+        QVERIFY(gvcp::ParseAck(read, ack));
+        QVERIFY(!gvcp::ReadMemoryAck(ack, 0x2a, 0, data));
     }
 
     void discoveryAnswersGiveTheCamera()

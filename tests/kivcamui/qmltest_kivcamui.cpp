@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // Runs the Qt Quick tests of the kivcamui module over an emulated world (each runner of this
 // source names its own folder and world), with a fixture that hands QML the objects the
 // library's models would make and a few file helpers. No controller UI plugin is loaded; a

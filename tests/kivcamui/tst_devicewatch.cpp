@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // First: GLib's headers use "signals" as a name, which the library's headers need as Qt's.
 #include "../kivcam/PlugTest.h"
 #include "PoolBlocker.h"

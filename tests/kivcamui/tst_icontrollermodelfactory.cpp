@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The controller UI plugin scan of controllerModelFactory(). It runs once per process in the
 // folder of the loaded libkivcamui.so, so each scenario gets a folder of its own holding a real
 // copy of the library, laid out as installed (libkivcamui.so.1.0.0 with its links

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The texts of the library's QML components that go through qsTr, and only those: the titles,
 // buttons, labels and headers meant for translation. Each component is made in a window with a
 // translator installed that records what it is asked, by context (a component's qsTr context is

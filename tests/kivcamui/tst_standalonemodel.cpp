@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The connection model over two camera library backends: the emulator, with the world
 // data/standalone-world.xml, and the probe (ProbeBackend.h), which counts open devices and
 // connected controllers and can hold a phase at a gate. No controller UI plugin is loaded; the

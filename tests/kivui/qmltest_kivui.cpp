@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // Runs the Qt Quick tests of the kivui module (qml/tst_*.qml) with a fixture that makes lists
 // and items from C++, the way the models of kivcamui do.
 

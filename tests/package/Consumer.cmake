@@ -1,3 +1,6 @@
+# Copyright (C) 2026 The kivcamui authors
+# SPDX-License-Identifier: BSD-3-Clause
+
 # What the package tests share: building the test's own host and plugin (each a CMake project of
 # its own, in this folder) against an installed kivcamui, and running the host. Set before it is
 # included: HERE (this folder), WORK (a scratch folder), GENERATOR, CXX, CXX_FLAGS (the

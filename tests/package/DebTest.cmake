@@ -1,3 +1,6 @@
+# Copyright (C) 2026 The kivcamui authors
+# SPDX-License-Identifier: BSD-3-Clause
+
 # cmake -DBUILD=<build folder> -DLIBDIR=... -DINCLUDEDIR=... -DBINDIR=... -DDOCDIR=...
 #       -DCONFIG=... -DCONTENTS=<expected file list> ... -P DebTest.cmake
 #       (see Consumer.cmake for the rest)

@@ -1,3 +1,6 @@
+# Copyright (C) 2026 The kivcamui authors
+# SPDX-License-Identifier: BSD-3-Clause
+
 # cmake -DBUILD=<build folder> -DLIBDIR=<its library folder, relative> ... -P InstallTest.cmake
 # (see Consumer.cmake for the rest)
 #

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 #pragma once
 
 // Helpers of the sample plugin's tests: the plugin loaded as a host loads it, and an emulated

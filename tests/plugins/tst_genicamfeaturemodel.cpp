@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The GenICam panel's feature tree: against a controller of the test's own for exact cases, and
 // against the GenICam controller on the emulated GenICam camera (in this process, no network).
 

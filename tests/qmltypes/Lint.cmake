@@ -1,3 +1,6 @@
+# Copyright (C) 2026 The kivcamui authors
+# SPDX-License-Identifier: BSD-3-Clause
+
 # cmake -DTOOL=<qml-types> -DQMLLINT=<qmllint> -DSOURCE=<source folder> -DWORK=<scratch folder>
 #       -DRESOURCES=<resource files> -DFILES=<QML files, relative to SOURCE> -P Lint.cmake
 #

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // Prints what the camera library sees as plain text: the machine's serial ports and network
 // adapters, GigE Vision cameras on the adapters KIVCAM_GIGE_INTERFACES allows, USB3 Vision
 // cameras, and the emulated transports unless --no-emulators is given; with --features, the

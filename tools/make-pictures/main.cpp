@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // Draws the library's pictures: the transport icons, the camera family icons, the sensor preview
 // picture and the contact sheet in docs/. Run with the repository root as the only argument.
 

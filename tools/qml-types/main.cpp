@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // Writes what the QML types registered at run time look like, read from the registration and the
 // types' meta-objects, so that neither can drift from the code:
 //

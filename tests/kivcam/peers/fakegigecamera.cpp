@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // A test peer: GigE Vision cameras simulated by Aravis's fake camera, one per argument, until
 // standard input closes. Each argument is ADDRESS,SERIAL[,MAC[,MODEL[,USERNAME]]]; the address
 // must be one of an adapter that is up. --heartbeat MS sets the cameras' heartbeat timeout.

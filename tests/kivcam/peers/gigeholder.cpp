@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // A test peer: another program that takes control of a GigE Vision camera through this
 // library and keeps it until standard input closes. Prints "held" once it has control, or
 // "refused: " and the reason.

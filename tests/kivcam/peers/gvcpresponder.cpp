@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // A test peer: a minimal GigE Vision camera of the test's own, for the far side of a veth pair
 // in a network namespace of its own. It takes the adapter the test moves into its namespace,
 // gives it an address, and answers discovery, register reads and writes, and FORCEIP, which

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // A test peer: a hostile or broken GigE Vision camera on the loopback of the test's network
 // namespace. It answers discovery, register reads and memory reads in one of these ways:
 //

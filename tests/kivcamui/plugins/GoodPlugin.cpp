@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // A controller UI plugin whose entry registers a creator that accepts every controller. For the
 // scan's tests it also counts its initialisations, asks for the factory from inside its entry
 // (and from a second thread meanwhile), and changes the working folder, which the scan puts

@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The test host of the controller UI plugin scan. The scan runs once per process, in the folder
 // of the loaded libkivcamui.so, so each scenario of tst_icontrollermodelfactory runs this host
 // in a process of its own, with a copy of the library and the scenario's files in a folder of

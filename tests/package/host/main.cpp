@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // A host built against the installed kivcamui package. It registers the library, then its
 // Main.qml finds the emulated cameras, connects each in turn through a StandaloneModel and
 // loads its controller panel. It reports on standard output, one line each:

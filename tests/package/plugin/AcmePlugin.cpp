@@ -1,3 +1,6 @@
+// Copyright (C) 2026 The kivcamui authors
+// SPDX-License-Identifier: BSD-3-Clause
+
 // The test's own controller UI plugin: it serves the controller "Acme" with a panel that names
 // the controller of its model, and leaves every other controller to the other plugins.
 
