@@ -58,6 +58,13 @@ Dialog {
                 activeFocusOnTab: true
                 keyNavigationEnabled: true
                 model: dialog.cameraFinder.cameras
+                // Enter connects the selected camera, as "Connect" does, when it may.
+                function connectSelected() {
+                    if (connectButton.enabled)
+                        connectButton.clicked()
+                }
+                Keys.onReturnPressed: connectSelected()
+                Keys.onEnterPressed: connectSelected()
                 ScrollIndicator.vertical: ScrollIndicator {}
                 // Framed while the list has the keyboard focus.
                 highlight: Rectangle {
@@ -247,6 +254,7 @@ Dialog {
             onClicked: dialog.cameraFinder.scan()
         }
         Button {
+            id: connectButton
             objectName: "connectButton"
             text: qsTr("Connect")
             DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole // qmllint disable type

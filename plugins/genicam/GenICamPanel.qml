@@ -105,6 +105,7 @@ Pane {
                     Label {
                         objectName: "streamInfo"
                         Layout.fillWidth: true
+                        wrapMode: Text.Wrap
                         opacity: 0.75
                         text: qsTr("Stream: %1 complete, %2 incomplete frames; %3 packets missing, %4 resent")
                               .arg(layout.camera.completeFrames)

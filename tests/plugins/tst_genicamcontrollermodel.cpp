@@ -170,6 +170,39 @@ private Q_SLOTS:
         QVERIFY(!banner->isVisible());
     }
 
+    void thePictureLinesWrapInANarrowPanel()
+    {
+        // As narrow as the demo's Live page in an 800-wide window: the lines under the picture
+        // wrap in their column instead of running under the feature tree.
+        QObject owner;
+        SSession session("GC-P1", &owner, "GenICamEmulator");
+        QVERIFY(session.connect());
+        QQmlEngine engine;
+        QString error;
+        const std::unique_ptr<QObject> panel = makePanel(engine, session, error);
+        QVERIFY2(panel, qPrintable(error));
+        QQuickWindow window;
+        window.resize(760, 460);
+        auto* item = qobject_cast<QQuickItem*>(panel.get());
+        QVERIFY(item);
+        item->setParentItem(window.contentItem());
+        item->setSize(QSizeF(760, 460));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QTRY_VERIFY(read(session.model, "connected").toBool());
+        for (const char* name : {"frameInfo", "streamInfo"}) {
+            auto* line = panel->findChild<QQuickItem*>(QString::fromLatin1(name));
+            QVERIFY2(line, name);
+            QTRY_VERIFY2(
+                line->width() > 0 && line->property("contentWidth").toReal() <= line->width() + 0.5,
+                qPrintable(QStringLiteral("%1: %2 wide in %3")
+                               .arg(name)
+                               .arg(line->property("contentWidth").toReal())
+                               .arg(line->width())));
+        }
+        item->setParentItem(nullptr);
+    }
+
     void theTreeStaysOpenWhenTheFiltersChange()
     {
         QObject owner;

@@ -243,6 +243,26 @@ Item {
             compare(dialog.camera.identity, first)
         }
 
+        function test_enterConnectsACameraThatCanConnect() {
+            const dialog = makeDialog()
+            const accepted = createTemporaryObject(spyComponent, root,
+                                                   { target: dialog, signalName: "accepted" })
+            openAndWait(dialog)
+            const list = findByName(dialog.contentItem, "cameraList")
+            tryCompare(list, "activeFocus", true)
+            select(dialog, "Old camera")
+            list.forceActiveFocus()
+            keyClick(Qt.Key_Return)
+            compare(accepted.count, 0, "a camera that cannot connect is not handed on")
+            compare(dialog.visible, true)
+            select(dialog, "Bench camera")
+            list.forceActiveFocus()
+            keyClick(Qt.Key_Return)
+            compare(accepted.count, 1)
+            compare(dialog.camera.identity, "Bench camera")
+            tryCompare(dialog, "visible", false)
+        }
+
         function test_rowsShowIdentityAndBaseType() {
             const dialog = makeDialog()
             openAndWait(dialog)
