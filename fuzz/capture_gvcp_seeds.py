@@ -52,6 +52,8 @@ MADE = {
 
 def capture(peer, out, prefix):
     sock = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+    # Even the discovery broadcast goes out through the namespace's loopback alone.
+    sock.setsockopt(socket.SOL_SOCKET, socket.SO_BINDTODEVICE, b"lo")
     sock.setsockopt(socket.SOL_SOCKET, socket.SO_BROADCAST, 1)
     sock.bind(("127.0.0.1", 0))
     sock.settimeout(0.5)
@@ -76,9 +78,15 @@ def capture(peer, out, prefix):
 
 def main():
     binaries, out = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
-    if os.environ.get(MARKER) != "inside":
-        os.environ[MARKER] = "inside"
+    # The marker holds the network namespace the script started in; the script sends nothing
+    # until it runs in another one, made by unshare for it.
+    here = os.readlink("/proc/self/ns/net")
+    started_in = os.environ.get(MARKER)
+    if not started_in:
+        os.environ[MARKER] = here
         os.execvp("unshare", ["unshare", "-rn", "--", sys.executable] + sys.argv)
+    if started_in == here:
+        sys.exit("capture_gvcp_seeds.py: not in a network namespace of its own; nothing sent")
     subprocess.run(["ip", "link", "set", "lo", "up"], check=True)
     os.makedirs(out, exist_ok=True)
     for name, packet in MADE.items():
