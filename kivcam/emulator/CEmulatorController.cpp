@@ -55,14 +55,16 @@ bool CEmulatorController::connect(TSharedPtr<IDevice> device, SCameraInfo camera
     }
     // A device entered by hand is the device that it opened as.
     const SDeviceInfo reached = camera.comm.deviceName.empty() ? device->info() : camera.comm;
+    const SEmulatedCamera* on = m_world->cameraOn(reached, camera.serial);
     CEmulatorScene::EPattern pattern = CEmulatorScene::EPattern::Gradient;
-    CString refusal = PictureRefusal(reached, camera, pattern);
+    CString refusal = PictureRefusal(reached, on, camera, pattern);
     if (!refusal.empty()) {
         SetError(std::move(refusal));
         return false;
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(m_settings.connectDelay));
-    const SEmulatedCamera* emulated = m_world->emulatedCamera(reached, camera.serial);
+    // The faults belong to the world's camera of this serial alone.
+    const SEmulatedCamera* emulated = on && on->info.serial == camera.serial ? on : nullptr;
     if (m_settings.connectFails || (emulated && emulated->connectFails)) {
         SetError(strprintf("The camera %s did not answer the controller \"%s\".",
             camera.serial.data(), m_settings.name.data()));
@@ -93,8 +95,8 @@ bool CEmulatorController::connect(TSharedPtr<IDevice> device, SCameraInfo camera
     return true;
 }
 
-CString CEmulatorController::PictureRefusal(
-    const SDeviceInfo& reached, SCameraInfo& camera, CEmulatorScene::EPattern& pattern) const
+CString CEmulatorController::PictureRefusal(const SDeviceInfo& reached, const SEmulatedCamera* on,
+    SCameraInfo& camera, CEmulatorScene::EPattern& pattern) const
 {
     // The finder edits only the control device's parameters, so a camera whose pictures come
     // through its control device takes them from there.
@@ -135,7 +137,6 @@ CString CEmulatorController::PictureRefusal(
     int sensorWidth = freeSlotSensorSize;
     int sensorHeight = freeSlotSensorSize;
     CString sensor;
-    const SEmulatedCamera* on = m_world->cameraOn(reached, camera.serial);
     const TSharedPtr<ICamera> type = on ? m_world->cameraType(on->info.name) : nullptr;
     if (type && type->defaultInfo.width > 0 && type->defaultInfo.height > 0) {
         sensorWidth = type->defaultInfo.width;

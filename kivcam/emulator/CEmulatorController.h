@@ -38,9 +38,10 @@ public:
 private:
     // Why the camera's pictures cannot be made as its record and the device carrying them say;
     // empty when they can, with the device's frame rate in camera and its test pattern in
-    // pattern. reached is the control device the camera is reached through.
-    CString PictureRefusal(
-        const SDeviceInfo& reached, SCameraInfo& camera, CEmulatorScene::EPattern& pattern) const;
+    // pattern. reached is the control device the camera is reached through, on the world's
+    // camera on it (null for none), whose sensor bounds the frame.
+    CString PictureRefusal(const SDeviceInfo& reached, const SEmulatedCamera* on,
+        SCameraInfo& camera, CEmulatorScene::EPattern& pattern) const;
     // The camera is gone: its pictures stop, once, and the lost handler hears it.
     void Lose(const CString& reason);
     void SetError(CString message);

@@ -81,13 +81,6 @@ const SEmulatedDevice* CEmulatorInterface::device(const CString& deviceName) con
     return position < 0 ? nullptr : &(*m_devices)[position];
 }
 
-const SEmulatedCamera* CEmulatorInterface::camera(
-    const CString& deviceName, const CString& serial) const
-{
-    const SEmulatedCamera* found = cameraOn(deviceName, serial);
-    return found && found->info.serial == serial ? found : nullptr;
-}
-
 const SEmulatedCamera* CEmulatorInterface::cameraOn(
     const CString& deviceName, const CString& serial) const
 {

@@ -51,8 +51,6 @@ public:
 
     const TArray<SEmulatedDevice>& devices() const { return *m_devices; }
     const SEmulatedDevice* device(const CString& deviceName) const;
-    // The camera of that serial on that device, with its faults; null when there is none.
-    const SEmulatedCamera* camera(const CString& deviceName, const CString& serial) const;
     // The camera on that device: the one of that serial, else the device's first; null when
     // the device has none.
     const SEmulatedCamera* cameraOn(const CString& deviceName, const CString& serial) const;

@@ -384,13 +384,6 @@ TSharedPtr<CEmulatorInterface> CEmulatorWorld::interfaceByName(const CString& na
     return transport ? *transport : TSharedPtr<CEmulatorInterface>();
 }
 
-const SEmulatedCamera* CEmulatorWorld::emulatedCamera(
-    const SDeviceInfo& device, const CString& serial) const
-{
-    const TSharedPtr<CEmulatorInterface> transport = interfaceByName(device.interfaceName);
-    return transport ? transport->camera(device.deviceName, serial) : nullptr;
-}
-
 const SEmulatedCamera* CEmulatorWorld::cameraOn(
     const SDeviceInfo& device, const CString& serial) const
 {

@@ -67,9 +67,6 @@ public:
     TSharedPtr<ICamera> cameraType(const CString& name) const;
     const SController* controller(const CString& name) const;
     TSharedPtr<CEmulatorInterface> interfaceByName(const CString& name) const;
-    // The world's camera, known by the control device it is reached through and its serial,
-    // with its faults; null when the world has none such.
-    const SEmulatedCamera* emulatedCamera(const SDeviceInfo& device, const CString& serial) const;
     // The world's camera on that control device: the one of that serial, else the device's
     // first (a description of the user's own, such as a custom camera's, has no serial of the
     // world); null when the device has none.
