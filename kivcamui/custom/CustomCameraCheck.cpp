@@ -17,11 +17,7 @@ bool isKnownController(const CString& name)
 {
     TArray<CString> names;
     controllerFactory()->getControllerNames(names);
-    for (const CString& known : names) {
-        if (known == name)
-            return true;
-    }
-    return false;
+    return names.contains(name);
 }
 
 class CProblems {
